@@ -1,0 +1,17 @@
+// The operating system's application event log.
+#pragma once
+
+#include <cstdint>
+#include <string_view>
+
+namespace tqv::platform {
+
+inline constexpr std::uint16_t kEventError = 1;
+inline constexpr std::uint16_t kEventWarning = 2;
+inline constexpr std::uint16_t kEventInformation = 4;
+
+// Reports one event under `source`. With a module handle, a source that is not yet registered is
+// registered for that module first. Failures lose the event silently.
+void ReportEventToLog(const void *module, std::string_view source, std::uint16_t type, std::string_view message);
+
+}  // namespace tqv::platform

@@ -1,0 +1,33 @@
+// A fresh temporary directory per test, with the Windows directory pointed into it and the
+// platform state reset, so tests never touch the machine's own files.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <string_view>
+
+namespace tqv::testing {
+
+class TempDirTest : public ::testing::Test {
+ protected:
+  void SetUp() override;
+  void TearDown() override;
+
+  // The directory of this test (a native path without a trailing slash).
+  const std::string &Dir() const { return dir_; }
+  // Dir() joined with a relative name.
+  std::string PathOf(std::string_view name) const;
+  // The Windows directory of this test, already created: Dir() + "/windows".
+  const std::string &WinDir() const { return winDir_; }
+
+  void WriteFile(std::string_view path, std::string_view bytes) const;
+  std::string ReadFile(std::string_view path) const;
+  bool Exists(std::string_view path) const;
+
+ private:
+  std::string dir_;
+  std::string winDir_;
+};
+
+}  // namespace tqv::testing
