@@ -19,6 +19,8 @@ inline std::string &CutText(std::string &text, std::size_t limit) {
 }
 
 // The characters a buffer of `size` bytes holds before its NUL (size 0 holds none).
-inline constexpr std::size_t CharsInBuffer(std::size_t size) { return size == 0 ? 0 : size - 1; }
+inline constexpr std::size_t CharsInBuffer(std::size_t size) {
+  return size == 0 ? 0 : size - 1;
+}
 
 }  // namespace tqv

@@ -12,6 +12,7 @@ inline constexpr std::uint16_t kEventInformation = 4;
 
 // Reports one event under `source`. With a module handle, a source that is not yet registered is
 // registered for that module first. Failures lose the event silently.
-void ReportEventToLog(const void *module, std::string_view source, std::uint16_t type, std::string_view message);
+void ReportEventToLog(const void *module, std::string_view source, std::uint16_t type,
+                      std::string_view message);
 
 }  // namespace tqv::platform

@@ -22,7 +22,8 @@ std::string ProfileReadString(std::optional<std::string_view> section, std::opti
                               std::string_view defaultValue, std::size_t size, std::string_view file);
 
 // The value, or nullopt when the key is missing: tells a missing key from an empty value.
-std::optional<std::string> ProfileLookup(std::string_view section, std::string_view key, std::string_view file);
+std::optional<std::string> ProfileLookup(std::string_view section, std::string_view key,
+                                         std::string_view file);
 
 // GetPrivateProfileInt: leading blanks, an optional sign and decimal digits up to the first other
 // character; a value without digits gives 0; a missing key or an empty value gives the default.

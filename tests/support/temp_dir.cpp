@@ -28,7 +28,9 @@ void TempDirTest::TearDown() {
   fs::remove_all(dir_, ignored);
 }
 
-std::string TempDirTest::PathOf(std::string_view name) const { return dir_ + "/" + std::string(name); }
+std::string TempDirTest::PathOf(std::string_view name) const {
+  return dir_ + "/" + std::string(name);
+}
 
 void TempDirTest::WriteFile(std::string_view path, std::string_view bytes) const {
   std::ofstream out{std::string(path), std::ios::binary | std::ios::trunc};
@@ -42,6 +44,8 @@ std::string TempDirTest::ReadFile(std::string_view path) const {
   return buffer.str();
 }
 
-bool TempDirTest::Exists(std::string_view path) const { return fs::exists(fs::path(std::string(path))); }
+bool TempDirTest::Exists(std::string_view path) const {
+  return fs::exists(fs::path(std::string(path)));
+}
 
 }  // namespace tqv::testing

@@ -1,0 +1,173 @@
+// File handles of the POSIX backend. Windows sharing is kept with flock: an open without sharing
+// takes LOCK_EX, a shared open LOCK_SH, both non-blocking, so each fails where Windows would.
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+
+#include "platform/fault_injection.h"
+#include "platform/file.h"
+#include "platform/posix/native_path.h"
+
+namespace tqv::platform {
+
+namespace {
+
+constexpr std::intptr_t kNoHandle = -1;
+
+int Descriptor(std::intptr_t handle) {
+  return static_cast<int>(handle);
+}
+
+int OpenFlags(FileAccess access, FileCreation creation) {
+  int flags = O_CLOEXEC;
+  switch (access) {
+    case FileAccess::Read:
+      flags |= O_RDONLY;
+      break;
+    case FileAccess::Write:
+      flags |= O_WRONLY;
+      break;
+    case FileAccess::ReadWrite:
+      flags |= O_RDWR;
+      break;
+  }
+  switch (creation) {
+    case FileCreation::OpenExisting:
+      break;
+    case FileCreation::CreateNew:
+      flags |= O_CREAT | O_EXCL;
+      break;
+    // Never O_TRUNC: the file may be emptied only once the lock shows nobody else has it open.
+    case FileCreation::CreateAlways:
+    case FileCreation::OpenAlways:
+      flags |= O_CREAT;
+      break;
+  }
+  return flags;
+}
+
+}  // namespace
+
+std::optional<File> File::Open(std::string_view path, FileAccess access, FileSharing sharing,
+                               FileCreation creation) {
+  if (FileOperationMustFail()) return std::nullopt;
+  const std::string nativePath = ToNativePath(path);
+  if (nativePath.empty()) return std::nullopt;
+  int fd;
+  do {
+    fd = ::open(nativePath.c_str(), OpenFlags(access, creation), 0666);
+  } while (fd < 0 && errno == EINTR);
+  if (fd < 0) return std::nullopt;
+  File file(fd);
+
+  struct stat info {};
+  if (::fstat(fd, &info) != 0 || S_ISDIR(info.st_mode)) return std::nullopt;
+
+  const int lockMode = (sharing == FileSharing::None ? LOCK_EX : LOCK_SH) | LOCK_NB;
+  int locked;
+  do {
+    locked = ::flock(fd, lockMode);
+  } while (locked != 0 && errno == EINTR);
+  if (locked != 0) {
+    // The file was ours to create only if it did not exist; a refused CreateNew leaves nothing behind.
+    if (creation == FileCreation::CreateNew) ::unlink(nativePath.c_str());
+    return std::nullopt;
+  }
+  if (creation == FileCreation::CreateAlways && ::ftruncate(fd, 0) != 0) return std::nullopt;
+  return file;
+}
+
+std::optional<File> File::OpenForAppend(std::string_view path) {
+  std::optional<File> file = Open(path, FileAccess::Write, FileSharing::ReadWrite, FileCreation::OpenAlways);
+  if (file && !file->Seek(0, SeekOrigin::End)) return std::nullopt;
+  return file;
+}
+
+File::File(File &&other) noexcept : handle_(other.handle_) {
+  other.handle_ = kNoHandle;
+}
+
+File &File::operator=(File &&other) noexcept {
+  if (this != &other) {
+    Close();
+    handle_ = other.handle_;
+    other.handle_ = kNoHandle;
+  }
+  return *this;
+}
+
+File::~File() {
+  Close();
+}
+
+void File::Close() noexcept {
+  if (handle_ != kNoHandle) {
+    ::close(Descriptor(handle_));  // closing releases the flock
+    handle_ = kNoHandle;
+  }
+}
+
+std::optional<std::size_t> File::Read(void *buffer, std::size_t size) {
+  if (FileOperationMustFail()) return std::nullopt;
+  ssize_t got;
+  do {
+    got = ::read(Descriptor(handle_), buffer, size);
+  } while (got < 0 && errno == EINTR);
+  if (got < 0) return std::nullopt;
+  return static_cast<std::size_t>(got);
+}
+
+std::optional<std::string> File::ReadAll(std::size_t limit) {
+  std::string result;
+  char chunk[65536];
+  while (result.size() < limit) {
+    const std::size_t want = std::min(sizeof chunk, limit - result.size());
+    std::optional<std::size_t> got = Read(chunk, want);
+    if (!got) return std::nullopt;
+    if (*got == 0) break;
+    result.append(chunk, *got);
+  }
+  return result;
+}
+
+bool File::Write(const void *data, std::size_t size) {
+  if (FileOperationMustFail()) return false;
+  const char *bytes = static_cast<const char *>(data);
+  while (size > 0) {
+    const ssize_t written = ::write(Descriptor(handle_), bytes, size);
+    if (written < 0) {
+      if (errno == EINTR) continue;
+      return false;
+    }
+    bytes += written;
+    size -= static_cast<std::size_t>(written);
+  }
+  return true;
+}
+
+std::optional<std::uint64_t> File::Seek(std::int64_t offset, SeekOrigin origin) {
+  const int whence = origin == SeekOrigin::Begin     ? SEEK_SET
+                     : origin == SeekOrigin::Current ? SEEK_CUR
+                                                     : SEEK_END;
+  const off_t position = ::lseek(Descriptor(handle_), static_cast<off_t>(offset), whence);
+  if (position < 0) return std::nullopt;
+  return static_cast<std::uint64_t>(position);
+}
+
+std::optional<std::uint64_t> File::Size() const {
+  struct stat info {};
+  if (::fstat(Descriptor(handle_), &info) != 0) return std::nullopt;
+  return static_cast<std::uint64_t>(info.st_size);
+}
+
+bool File::Truncate() {
+  if (FileOperationMustFail()) return false;
+  const off_t position = ::lseek(Descriptor(handle_), 0, SEEK_CUR);
+  return position >= 0 && ::ftruncate(Descriptor(handle_), position) == 0;
+}
+
+}  // namespace tqv::platform

@@ -1,0 +1,162 @@
+// Directory and whole-file operations of the POSIX backend. Every failure is a false or empty
+// result; a failed copy removes its temporary file, so the target name never shows half a file.
+#include <dirent.h>
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <atomic>
+#include <cerrno>
+#include <cstring>
+
+#include <strings.h>
+
+#include "platform/fault_injection.h"
+#include "platform/file.h"
+#include "platform/file_system.h"
+#include "platform/posix/native_path.h"
+#include "platform/wildcard_match.h"
+
+namespace tqv::platform {
+
+namespace {
+
+bool IsSeparator(char c) {
+  return c == '\\' || c == '/';
+}
+
+EntryInfo InfoFromStat(std::string name, const struct stat &info) {
+  EntryInfo entry;
+  entry.name = std::move(name);
+  entry.isDirectory = S_ISDIR(info.st_mode);
+  entry.size = entry.isDirectory ? 0 : static_cast<std::uint64_t>(info.st_size);
+  entry.modifiedTime = static_cast<std::int64_t>(info.st_mtime);
+  return entry;
+}
+
+std::string_view LastComponent(std::string_view path) {
+  const std::size_t cut = path.find_last_of("\\/");
+  return cut == std::string_view::npos ? path : path.substr(cut + 1);
+}
+
+// True when some other open handle holds the file (with or without sharing), as Windows
+// refuses to delete or overwrite such a file.
+bool HeldByAnother(const std::string &nativePath) {
+  const int fd = ::open(nativePath.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
+  if (fd < 0) return false;
+  const bool held = ::flock(fd, LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK;
+  ::close(fd);
+  return held;
+}
+
+std::string TemporaryNameBeside(const std::string &nativeTarget) {
+  static std::atomic<unsigned> counter{0};
+  const std::size_t cut = nativeTarget.find_last_of('/');
+  const std::string directory = cut == std::string::npos ? std::string() : nativeTarget.substr(0, cut + 1);
+  return directory + ".tqvcopy." + std::to_string(::getpid()) + "." + std::to_string(counter++);
+}
+
+bool CopyContents(File &from, int to) {
+  char buffer[65536];
+  for (;;) {
+    const std::optional<std::size_t> got = from.Read(buffer, sizeof buffer);
+    if (!got) return false;
+    if (*got == 0) return true;
+    const char *cursor = buffer;
+    std::size_t left = *got;
+    while (left > 0) {
+      const ssize_t written = ::write(to, cursor, left);
+      if (written < 0 && errno == EINTR) continue;
+      if (written <= 0) return false;
+      cursor += written;
+      left -= static_cast<std::size_t>(written);
+    }
+  }
+}
+
+}  // namespace
+
+std::optional<EntryInfo> GetEntryInfo(std::string_view path) {
+  if (path.empty() || IsSeparator(path.back())) return std::nullopt;
+  const std::string nativePath = ToNativePath(path);
+  struct stat info {};
+  if (nativePath.empty() || ::stat(nativePath.c_str(), &info) != 0) return std::nullopt;
+  return InfoFromStat(std::string(LastComponent(path)), info);
+}
+
+std::vector<EntryInfo> FindEntries(std::string_view pattern) {
+  const std::string_view namePattern = LastComponent(pattern);
+  if (!HasWildcards(namePattern)) {
+    std::optional<EntryInfo> single = GetEntryInfo(pattern);
+    return single ? std::vector<EntryInfo>{*single} : std::vector<EntryInfo>{};
+  }
+  std::string directory = ToNativePath(pattern.substr(0, pattern.size() - namePattern.size()));
+  if (directory.empty()) directory = ".";
+
+  std::vector<EntryInfo> entries;
+  DIR *stream = ::opendir(directory.c_str());
+  if (stream == nullptr) return entries;
+  const int directoryFd = ::dirfd(stream);
+  while (const struct dirent *found = ::readdir(stream)) {
+    if (!MatchesWildcard(found->d_name, namePattern)) continue;
+    struct stat info {};
+    if (::fstatat(directoryFd, found->d_name, &info, 0) != 0) continue;  // vanished or a broken link
+    entries.push_back(InfoFromStat(found->d_name, info));
+  }
+  ::closedir(stream);
+  std::sort(entries.begin(), entries.end(), [](const EntryInfo &a, const EntryInfo &b) {
+    const int folded = ::strcasecmp(a.name.c_str(), b.name.c_str());
+    return folded != 0 ? folded < 0 : a.name < b.name;
+  });
+  return entries;
+}
+
+bool CopyFileTo(std::string_view source, std::string_view target, bool failIfExists) {
+  if (FileOperationMustFail()) return false;
+  const std::string nativeTarget = ToNativePath(target);
+  if (nativeTarget.empty()) return false;
+  std::optional<File> input = File::OpenShared(source);
+  if (!input) return false;
+  struct stat existing {};
+  const bool targetExists = ::stat(nativeTarget.c_str(), &existing) == 0;
+  if (targetExists && (failIfExists || S_ISDIR(existing.st_mode) || HeldByAnother(nativeTarget)))
+    return false;
+
+  // The copy is made under a temporary name and only then given the target name.
+  const std::string temporary = TemporaryNameBeside(nativeTarget);
+  const int out = ::open(temporary.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+  if (out < 0) return false;
+  bool ok = CopyContents(*input, out);
+  ok = ::close(out) == 0 && ok;
+  if (ok) {
+    if (failIfExists) {
+      // link() refuses an existing name, so a target that appeared meanwhile is never replaced.
+      ok = ::link(temporary.c_str(), nativeTarget.c_str()) == 0;
+    } else {
+      ok = ::rename(temporary.c_str(), nativeTarget.c_str()) == 0;
+    }
+  }
+  ::unlink(temporary.c_str());
+  return ok;
+}
+
+bool RemoveFile(std::string_view path) {
+  if (FileOperationMustFail()) return false;
+  const std::string nativePath = ToNativePath(path);
+  struct stat info {};
+  if (nativePath.empty() || ::lstat(nativePath.c_str(), &info) != 0 || S_ISDIR(info.st_mode)) return false;
+  if (HeldByAnother(nativePath)) return false;
+  return ::unlink(nativePath.c_str()) == 0;
+}
+
+bool MakeDirectory(std::string_view path) {
+  if (FileOperationMustFail()) return false;
+  std::string nativePath = ToNativePath(path);
+  while (nativePath.size() > 1 && nativePath.back() == '/')
+    nativePath.pop_back();
+  return !nativePath.empty() && ::mkdir(nativePath.c_str(), 0777) == 0;
+}
+
+}  // namespace tqv::platform
