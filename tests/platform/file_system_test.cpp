@@ -1,0 +1,102 @@
+#include "platform/file_system.h"
+
+#include <filesystem>
+
+#include "platform/fault_injection.h"
+#include "platform/file.h"
+#include "support/temp_dir.h"
+
+namespace tqv::platform {
+namespace {
+
+class FileSystemTest : public tqv::testing::TempDirTest {
+ protected:
+  std::vector<std::string> Names(std::string_view pattern) {
+    std::vector<std::string> names;
+    for (const EntryInfo &entry : FindEntries(PathOf(pattern)))
+      names.push_back(entry.name);
+    return names;
+  }
+};
+
+using NameList = std::vector<std::string>;
+
+TEST_F(FileSystemTest, EnumerationMatchesWithoutCaseAndSortsLikeNtfs) {
+  for (const char *name : {"b.TQV", "A.tqv", "c.txt", "README", "a.tqvx"})
+    WriteFile(PathOf(name), "");
+  std::filesystem::create_directory(PathOf("Sub"));
+
+  EXPECT_EQ(Names("*.TQV"), (NameList{"A.tqv", "b.TQV"}));
+  EXPECT_EQ(Names("*.*"), (NameList{".", "..", "A.tqv", "a.tqvx", "b.TQV", "c.txt", "README", "Sub", "windows"}));
+  EXPECT_EQ(Names("?.T*"), (NameList{"A.tqv", "a.tqvx", "b.TQV", "c.txt"}));
+  EXPECT_EQ(Names("nothing*"), NameList{});
+  EXPECT_TRUE(FindEntries(PathOf("missing/*.*")).empty());
+
+  std::vector<EntryInfo> sub = FindEntries(PathOf("S*"));
+  ASSERT_EQ(sub.size(), 1u);
+  EXPECT_TRUE(sub[0].isDirectory);
+}
+
+TEST_F(FileSystemTest, APathWithoutWildcardsIsOneLookup) {
+  WriteFile(PathOf("one.txt"), "12345");
+  std::vector<EntryInfo> found = FindEntries(PathOf("one.txt"));
+  ASSERT_EQ(found.size(), 1u);
+  EXPECT_EQ(found[0].name, "one.txt");
+  EXPECT_EQ(found[0].size, 5u);
+  EXPECT_FALSE(found[0].isDirectory);
+
+  EXPECT_TRUE(GetEntryInfo(Dir()));
+  EXPECT_TRUE(GetEntryInfo(Dir())->isDirectory);
+  EXPECT_FALSE(GetEntryInfo(Dir() + "/")) << "a trailing separator finds nothing, as on Windows";
+  EXPECT_FALSE(GetEntryInfo(PathOf("two.txt")));
+}
+
+TEST_F(FileSystemTest, CopyHonoursFailIfExistsAndNeverLeavesHalfAFile) {
+  const std::string source = PathOf("source.txt");
+  const std::string target = PathOf("target.txt");
+  WriteFile(source, "new");
+  WriteFile(target, "old");
+
+  EXPECT_FALSE(CopyFileTo(source, target, true));
+  EXPECT_EQ(ReadFile(target), "old");
+  EXPECT_TRUE(CopyFileTo(source, target, false));
+  EXPECT_EQ(ReadFile(target), "new");
+
+  EXPECT_FALSE(CopyFileTo(PathOf("missing.txt"), PathOf("copy.txt"), false));
+  EXPECT_FALSE(Exists(PathOf("copy.txt")));
+
+  // A read error in the middle of the copy: no target, no temporary left behind.
+  WriteFile(source, std::string(200000, 'x'));
+  FailFileOperations(3);  // copy, open of the source, first read
+  EXPECT_FALSE(CopyFileTo(source, PathOf("copy.txt"), false));
+  EXPECT_FALSE(Exists(PathOf("copy.txt")));
+  for (const EntryInfo &entry : FindEntries(PathOf("*.*")))
+    EXPECT_EQ(entry.name.find("tqvcopy"), std::string::npos);
+}
+
+TEST_F(FileSystemTest, CopyAndDeleteRespectAFileHeldExclusively) {
+  const std::string held = PathOf("held.txt");
+  WriteFile(held, "busy");
+  WriteFile(PathOf("other.txt"), "other");
+  std::optional<File> holder = File::OpenExclusive(held);
+  ASSERT_TRUE(holder);
+  EXPECT_FALSE(CopyFileTo(held, PathOf("copy.txt"), false));
+  EXPECT_FALSE(CopyFileTo(PathOf("other.txt"), held, false));
+  EXPECT_FALSE(RemoveFile(held));
+  holder.reset();
+  EXPECT_TRUE(RemoveFile(held));
+  EXPECT_FALSE(Exists(held));
+  EXPECT_FALSE(RemoveFile(held));
+}
+
+TEST_F(FileSystemTest, DirectoriesAreMadeOneLevelAndNeverRemovedAsFiles) {
+  EXPECT_TRUE(MakeDirectory(PathOf("one")));
+  EXPECT_FALSE(MakeDirectory(PathOf("one"))) << "already there";
+  EXPECT_FALSE(MakeDirectory(PathOf("two/three"))) << "no parents are made";
+  EXPECT_TRUE(MakeDirectory(PathOf("one\\deeper\\")));
+  EXPECT_TRUE(GetEntryInfo(PathOf("one/deeper"))->isDirectory);
+  EXPECT_FALSE(RemoveFile(PathOf("one")));
+}
+
+}  // namespace
+}  // namespace tqv::platform

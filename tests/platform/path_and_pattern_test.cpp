@@ -1,0 +1,65 @@
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+
+#include "platform/posix/native_path.h"
+#include "platform/text_mode.h"
+#include "platform/wildcard_match.h"
+
+namespace tqv::platform {
+namespace {
+
+TEST(NativePath, BackslashesAndDrivePrefixes) {
+  setenv("TQVSPOOL_DRIVE_C", "/srv/fax", 1);
+  setenv("TQVSPOOL_DRIVE_D", "/data/", 1);
+  unsetenv("TQVSPOOL_DRIVE_E");
+  struct Case {
+    const char *windows;
+    const char *native;
+  } cases[] = {
+      {"C:\\GW\\OUT", "/srv/fax/GW/OUT"},
+      {"c:\\GW\\OUT\\", "/srv/fax/GW/OUT/"},
+      {"D:\\x.ini", "/data/x.ini"},
+      {"E:\\tmp\\a.txt", "/tmp/a.txt"},
+      {"/already/native", "/already/native"},
+      {"relative\\name.txt", "relative/name.txt"},
+      {"", ""},
+  };
+  for (const Case &c : cases)
+    EXPECT_EQ(ToNativePath(c.windows), c.native) << c.windows;
+  unsetenv("TQVSPOOL_DRIVE_C");
+  unsetenv("TQVSPOOL_DRIVE_D");
+}
+
+TEST(WildcardMatch, WindowsPatterns) {
+  struct Case {
+    const char *name;
+    const char *pattern;
+    bool matches;
+  } cases[] = {
+      {"a.tqv", "*.TQV", true},
+      {"A.TQV", "*.tqv", true},
+      {"a.tqvx", "*.TQV", false},
+      {"README", "*.*", true},
+      {".", "*.*", true},
+      {"abc.txt", "a?c.*", true},
+      {"ab.txt", "a?c.*", false},
+      {"REPORT", "REPORT.*", true},
+      {"name", "*.", true},
+      {"name.txt", "*.", false},
+      {"x.id", "*.ID", true},
+      {"sgw1.tmp", "SGW*.TMP", true},
+      {"aaaaaaaaaaaaaaaaaaaab", "*a*a*a*a*a*a*c", false},
+  };
+  for (const Case &c : cases)
+    EXPECT_EQ(MatchesWildcard(c.name, c.pattern), c.matches) << c.name << " ~ " << c.pattern;
+}
+
+TEST(TextMode, LineEndsAsTheWindowsRuntimeWritesAndReadsThem) {
+  EXPECT_EQ(ToTextMode("a\nb\n"), "a\r\nb\r\n");
+  EXPECT_EQ(ToTextMode("a\r\n"), "a\r\r\n");
+  EXPECT_EQ(FromTextMode("a\r\nb\rc\n"), "a\nb\rc\n");
+}
+
+}  // namespace
+}  // namespace tqv::platform
