@@ -1,0 +1,246 @@
+// The profile functions of the POSIX backend: INI files parsed once and cached until they change
+// on disk. A missing or unreadable file reads as empty; a write goes to a temporary file renamed
+// over the target, so a failed write returns false and leaves the file as it was.
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <memory>
+#include <mutex>
+#include <unordered_map>
+
+#include "platform/file.h"
+#include "platform/ini_document.h"
+#include "platform/platform_state_internal.h"
+#include "platform/posix/native_path.h"
+#include "platform/profile.h"
+#include "platform/windows_directory.h"
+
+namespace tqv::platform {
+
+namespace {
+
+// Enough for every profile file the system reads; beyond it the cache starts afresh.
+constexpr std::size_t kMaxCachedProfiles = 64;
+
+// What tells that a file on disk is no longer the one parsed.
+struct FileStamp {
+  dev_t device = 0;
+  ino_t inode = 0;
+  off_t size = 0;
+  time_t modifiedSeconds = 0;
+  long modifiedNanoseconds = 0;
+
+  bool operator==(const FileStamp &) const = default;
+};
+
+struct CachedProfile {
+  FileStamp stamp;
+  std::shared_ptr<const IniDocument> document;
+};
+
+struct ProfileCache {
+  std::mutex mutex;
+  std::unordered_map<std::string, CachedProfile> entries;  // by native path
+};
+
+ProfileCache &Cache() {
+  static ProfileCache cache;
+  return cache;
+}
+
+const std::shared_ptr<const IniDocument> &EmptyDocument() {
+  static const std::shared_ptr<const IniDocument> empty = std::make_shared<const IniDocument>();
+  return empty;
+}
+
+// Only regular files count: anything else reads as a missing file.
+std::optional<FileStamp> StampOf(const std::string &nativePath) {
+  struct stat info {};
+  if (::stat(nativePath.c_str(), &info) != 0 || !S_ISREG(info.st_mode)) return std::nullopt;
+  return FileStamp{info.st_dev, info.st_ino, info.st_size, info.st_mtim.tv_sec, info.st_mtim.tv_nsec};
+}
+
+// A file named without any directory or drive lives in the Windows directory.
+std::string ProfilePath(std::string_view file) {
+  if (file.find_first_of("\\/:") != std::string_view::npos) return std::string(file);
+  std::string path = WindowsDirectory();
+  if (path.empty() || (path.back() != '\\' && path.back() != '/')) path += '\\';
+  path += file;
+  return path;
+}
+
+std::optional<std::string> ReadWholeFile(std::string_view windowsPath) {
+  std::optional<File> file = File::OpenShared(windowsPath);
+  if (!file) return std::nullopt;
+  return file->ReadAll();
+}
+
+void Remember(ProfileCache &cache, const std::string &nativePath, const FileStamp &stamp,
+              std::shared_ptr<const IniDocument> document) {
+  if (cache.entries.size() >= kMaxCachedProfiles && !cache.entries.contains(nativePath))
+    cache.entries.clear();
+  cache.entries[nativePath] = CachedProfile{stamp, std::move(document)};
+}
+
+// The parsed file: one stat when the cached parse is still current.
+std::shared_ptr<const IniDocument> LoadProfile(std::string_view file) {
+  const std::string windowsPath = ProfilePath(file);
+  const std::string nativePath = ToNativePath(windowsPath);
+  ProfileCache &cache = Cache();
+  const std::lock_guard lock(cache.mutex);
+  // Stamped before reading: a change during the read then shows as a changed stamp next time.
+  const std::optional<FileStamp> stamp = StampOf(nativePath);
+  if (!stamp) {
+    cache.entries.erase(nativePath);
+    return EmptyDocument();
+  }
+  if (const auto found = cache.entries.find(nativePath);
+      found != cache.entries.end() && found->second.stamp == *stamp) {
+    return found->second.document;
+  }
+  const std::optional<std::string> bytes = ReadWholeFile(windowsPath);
+  if (!bytes) {
+    cache.entries.erase(nativePath);
+    return EmptyDocument();
+  }
+  auto document = std::make_shared<const IniDocument>(*bytes);
+  Remember(cache, nativePath, *stamp, document);
+  return document;
+}
+
+// Names each followed by a NUL; a list that does not fit with its closing NUL is cut to size-2.
+std::string NameList(const std::vector<std::string_view> &names, std::size_t size) {
+  std::string list;
+  for (std::string_view name : names) {
+    list += name;
+    list += '\0';
+  }
+  if (list.size() + 1 > size) list.resize(size >= 2 ? size - 2 : 0);
+  return list;
+}
+
+// As atol, but wrapping modulo 2^32 instead of overflowing.
+std::int32_t ParseProfileInt(std::string_view text) {
+  std::size_t i = 0;
+  while (i < text.size() && (text[i] == ' ' || (text[i] >= '\t' && text[i] <= '\r')))
+    ++i;
+  bool negative = false;
+  if (i < text.size() && (text[i] == '+' || text[i] == '-')) negative = text[i++] == '-';
+  std::uint32_t magnitude = 0;
+  for (; i < text.size() && text[i] >= '0' && text[i] <= '9'; ++i) {
+    magnitude = magnitude * 10u + static_cast<std::uint32_t>(text[i] - '0');
+  }
+  if (negative) magnitude = 0u - magnitude;
+  return static_cast<std::int32_t>(magnitude);
+}
+
+// Writes the bytes beside the target and renames them over it, keeping the mode of a file
+// replaced. `writtenStamp` is the new file's, for the cache.
+bool ReplaceFile(const std::string &windowsPath, const std::string &nativePath, std::string_view bytes,
+                 std::optional<mode_t> mode, std::optional<FileStamp> &writtenStamp) {
+  static unsigned counter = 0;
+  const std::string temporaryWindows =
+      windowsPath + ".tqvini." + std::to_string(::getpid()) + "." + std::to_string(counter++);
+  const std::string temporaryNative = ToNativePath(temporaryWindows);
+  {
+    std::optional<File> temporary =
+        File::Open(temporaryWindows, FileAccess::Write, FileSharing::None, FileCreation::CreateNew);
+    if (!temporary) return false;
+    if (!temporary->Write(bytes)) {
+      temporary.reset();
+      ::unlink(temporaryNative.c_str());
+      return false;
+    }
+  }
+  if (mode) ::chmod(temporaryNative.c_str(), *mode & 07777);  // a default mode is no reason to fail
+  // A rename keeps the inode, so this is the target's stamp until someone else writes it.
+  writtenStamp = StampOf(temporaryNative);
+  if (::rename(temporaryNative.c_str(), nativePath.c_str()) != 0) {
+    ::unlink(temporaryNative.c_str());
+    return false;
+  }
+  return true;
+}
+
+}  // namespace
+
+void ClearProfileCache() {
+  ProfileCache &cache = Cache();
+  const std::lock_guard lock(cache.mutex);
+  cache.entries.clear();
+}
+
+std::string ProfileReadString(std::optional<std::string_view> section, std::optional<std::string_view> key,
+                              std::string_view defaultValue, std::size_t size, std::string_view file) {
+  if (size == 0) return {};
+  const std::shared_ptr<const IniDocument> document = LoadProfile(file);
+  if (!section) return NameList(document->SectionNames(), size);
+  if (!key) return NameList(document->KeyNames(*section), size);
+  std::string result;
+  if (const std::optional<std::string_view> value = document->Value(*section, *key)) {
+    result = *value;
+  } else {
+    result = defaultValue.substr(0, defaultValue.find('\0'));
+    while (!result.empty() && (result.back() == ' ' || result.back() == '\t'))
+      result.pop_back();
+  }
+  if (result.size() > size - 1) result.resize(size - 1);
+  return result;
+}
+
+std::optional<std::string> ProfileLookup(std::string_view section, std::string_view key,
+                                         std::string_view file) {
+  const std::shared_ptr<const IniDocument> document = LoadProfile(file);
+  if (const std::optional<std::string_view> value = document->Value(section, key)) return std::string(*value);
+  return std::nullopt;
+}
+
+std::int32_t ProfileReadInt(std::string_view section, std::string_view key, std::int32_t defaultValue,
+                            std::string_view file) {
+  const std::optional<std::string> value = ProfileLookup(section, key, file);
+  if (!value || value->empty()) return defaultValue;
+  return ParseProfileInt(*value);
+}
+
+bool ProfileWriteString(std::string_view section, std::optional<std::string_view> key,
+                        std::optional<std::string_view> value, std::string_view file) {
+  const std::string windowsPath = ProfilePath(file);
+  const std::string nativePath = ToNativePath(windowsPath);
+  if (nativePath.empty()) return false;
+  ProfileCache &cache = Cache();
+  const std::lock_guard lock(cache.mutex);
+
+  // Always the file as it is now, never the cached parse: another process may have written it.
+  std::string current;
+  std::optional<mode_t> mode;
+  struct stat info {};
+  if (::stat(nativePath.c_str(), &info) == 0) {
+    if (!S_ISREG(info.st_mode)) return false;
+    std::optional<std::string> bytes = ReadWholeFile(windowsPath);
+    if (!bytes) return false;
+    current = std::move(*bytes);
+    mode = info.st_mode;
+  } else if (errno != ENOENT) {
+    return false;
+  }
+
+  auto document = std::make_shared<IniDocument>(current);
+  if (!key) {
+    if (!document->RemoveSection(section)) return true;
+  } else if (!value) {
+    if (!document->RemoveKey(section, *key)) return true;
+  } else if (!document->SetValue(section, *key, *value)) {
+    return false;
+  }
+  std::optional<FileStamp> writtenStamp;
+  if (!ReplaceFile(windowsPath, nativePath, document->Serialize(), mode, writtenStamp)) return false;
+  if (writtenStamp) {
+    Remember(cache, nativePath, *writtenStamp, std::move(document));
+  } else {
+    cache.entries.erase(nativePath);
+  }
+  return true;
+}
+
+}  // namespace tqv::platform

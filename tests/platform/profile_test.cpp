@@ -1,0 +1,251 @@
+#include "platform/profile.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+
+#include <filesystem>
+
+#include "platform/fault_injection.h"
+#include "platform/regional_settings.h"
+#include "support/temp_dir.h"
+
+namespace tqv::platform {
+namespace {
+
+using namespace std::string_literals;
+
+class Profile : public tqv::testing::TempDirTest {};
+class RegionalSettings : public tqv::testing::TempDirTest {};
+
+std::string ReadString(std::string_view section, std::string_view key, std::string_view file,
+                       std::size_t size = 256, std::string_view defaultValue = "") {
+  return ProfileReadString(section, key, defaultValue, size, file);
+}
+
+void SetModifiedTime(const std::string &path, time_t seconds) {
+  const timespec times[2] = {{seconds, 0}, {seconds, 0}};
+  ASSERT_EQ(utimensat(AT_FDCWD, path.c_str(), times, 0), 0);
+}
+
+TEST_F(Profile, WritesKeepOtherLinesAndReadBack) {
+  const std::string path = PathOf("admin.ini");
+  WriteFile(path, "; Administration\n[Users]\nALICE = 7424 ; trailing\nbob=\"1\"\n\n; tail\n[Other]\nx=1\n");
+  EXPECT_TRUE(ProfileWriteString("users", "Alice", "8000", path));
+  EXPECT_TRUE(ProfileWriteString("USERS", "carol", "'quoted'", path));
+  EXPECT_TRUE(ProfileWriteString("New Section", "key", " spaced ", path));
+  EXPECT_EQ(ReadFile(path),
+            "; Administration\r\n[Users]\r\nALICE=8000\r\nbob=\"1\"\r\ncarol='quoted'\r\n\r\n; tail\r\n"
+            "[Other]\r\nx=1\r\n\r\n[New Section]\r\nkey= spaced \r\n");
+
+  EXPECT_EQ(ReadString("Users", "alice", path), "8000");
+  EXPECT_EQ(ReadString("Users", "BOB", path), "1");
+  EXPECT_EQ(ReadString("Users", "carol", path), "quoted");
+  EXPECT_EQ(ReadString("new section", "KEY", path), "spaced");
+  EXPECT_EQ(ProfileReadInt("Users", "ALICE", 0, path), 8000);
+}
+
+TEST_F(Profile, ReadStringCutsToTheBuffer) {
+  const std::string path = PathOf("cut.ini");
+  WriteFile(path, "[s]\nvalue=abcdef\nab=1\ncd=2\nab=3\n[t]\n[s]\nef=4\n");
+  EXPECT_EQ(ReadString("s", "value", path, 4), "abc");
+  EXPECT_EQ(ReadString("s", "value", path, 7), "abcdef");
+  EXPECT_EQ(ReadString("s", "value", path, 1), "");
+  EXPECT_EQ(ReadString("s", "value", path, 0), "");
+  EXPECT_EQ(ReadString("s", "missing", path, 4, "defaults  \t "), "def");
+  EXPECT_EQ(ReadString("s", "missing", path, 100, "default  \t "), "default");
+
+  const std::string keys = PathOf("keys.ini");
+  WriteFile(keys, "[s]\nab=1\ncd=2\n[t]\n");
+  // Key names "ab\0cd\0" need 7 bytes with the closing NUL; shorter buffers end with two NULs.
+  const struct {
+    std::size_t size;
+    std::string expected;
+  } listings[] = {{0, ""},      {1, ""},       {2, ""},          {3, "a"},
+                  {5, "ab\0"s}, {6, "ab\0c"s}, {7, "ab\0cd\0"s}, {99, "ab\0cd\0"s}};
+  for (const auto &listing : listings) {
+    EXPECT_EQ(ProfileReadString("s", std::nullopt, "ignored", listing.size, keys), listing.expected)
+        << "size " << listing.size;
+  }
+  EXPECT_EQ(ProfileReadString(std::nullopt, std::nullopt, "", 99, keys), "s\0t\0"s);
+  EXPECT_EQ(ProfileReadString(std::nullopt, "ab", "", 3, keys), "s");
+  EXPECT_EQ(ProfileReadString("missing", std::nullopt, "default", 99, path), "");
+}
+
+TEST_F(Profile, MissingFilesKeysAndEmptyValues) {
+  const std::string missing = PathOf("missing.ini");
+  EXPECT_EQ(ReadString("s", "k", missing, 99, "fallback"), "fallback");
+  EXPECT_EQ(ProfileLookup("s", "k", missing), std::nullopt);
+  EXPECT_EQ(ProfileReadInt("s", "k", -5, missing), -5);
+  EXPECT_EQ(ProfileReadString(std::nullopt, std::nullopt, "", 99, missing), "");
+  EXPECT_EQ(ReadString("s", "k", Dir(), 99, "a directory"), "a directory");
+
+  const std::string path = PathOf("empty.ini");
+  WriteFile(path, "[s]\nempty=\nquoted=\"\"\nblank=  \n");
+  for (const char *key : {"empty", "quoted", "blank"}) {
+    EXPECT_EQ(ProfileLookup("s", key, path), "") << key;
+    EXPECT_EQ(ReadString("s", key, path, 99, "default"), "") << key;
+    EXPECT_EQ(ProfileReadInt("s", key, 42, path), 42) << key;
+  }
+  EXPECT_EQ(ProfileLookup("s", "absent", path), std::nullopt);
+}
+
+TEST_F(Profile, ReadIntParsesLikeAtolAndWraps) {
+  const struct {
+    const char *value;
+    std::int32_t expected;
+  } cases[] = {
+      {"123", 123},
+      {"  -45xyz", -45},
+      {"+7", 7},
+      {"abc", 0},
+      {"-", 0},
+      {"0x1F", 0},
+      {"12 34", 12},
+      {"\"99\"", 99},
+      {"2147483647", 2147483647},
+      {"-2147483648", INT32_MIN},
+      {"4294967295", -1},
+      {"4294967296", 0},
+      {"2147483648", INT32_MIN},
+      {"99999999999999999999999", -159383553},
+  };
+  const std::string path = PathOf("int.ini");
+  for (const auto &c : cases) {
+    ASSERT_TRUE(ProfileWriteString("s", "k", c.value, path));
+    EXPECT_EQ(ProfileReadInt("s", "k", 77, path), c.expected) << c.value;
+  }
+}
+
+TEST_F(Profile, NoValueRemovesTheKeyAndNoKeyTheSection) {
+  const std::string path = PathOf("remove.ini");
+  WriteFile(path, "[a]\nk=1\n;note\nK=dup\nj=2\n[b]\nk=3\n");
+  EXPECT_TRUE(ProfileWriteString("A", "k", std::nullopt, path));
+  EXPECT_EQ(ProfileLookup("a", "k", path), std::nullopt);
+  EXPECT_EQ(ReadFile(path), "[a]\r\n;note\r\nj=2\r\n[b]\r\nk=3\r\n");
+  EXPECT_TRUE(ProfileWriteString("B", std::nullopt, std::nullopt, path));
+  EXPECT_EQ(ReadFile(path), "[a]\r\n;note\r\nj=2\r\n");
+
+  // Nothing to remove: the file is not rewritten, so its LF line ends stay.
+  WriteFile(path, "[a]\nj=2\n");
+  EXPECT_TRUE(ProfileWriteString("a", "missing", std::nullopt, path));
+  EXPECT_TRUE(ProfileWriteString("missing", std::nullopt, std::nullopt, path));
+  EXPECT_EQ(ReadFile(path), "[a]\nj=2\n");
+
+  const std::string missing = PathOf("missing.ini");
+  EXPECT_TRUE(ProfileWriteString("a", "k", std::nullopt, missing));
+  EXPECT_TRUE(ProfileWriteString("a", std::nullopt, std::nullopt, missing));
+  EXPECT_FALSE(Exists(missing));
+}
+
+TEST_F(Profile, WriteCreatesTheFileAndKeepsItsMode) {
+  const std::string path = PathOf("new.ini");
+  EXPECT_TRUE(ProfileWriteString("Saved Fax Attachments", "MaxFiles", "10", path));
+  EXPECT_EQ(ReadFile(path), "[Saved Fax Attachments]\r\nMaxFiles=10\r\n");
+
+  ASSERT_EQ(chmod(path.c_str(), 0640), 0);
+  EXPECT_TRUE(ProfileWriteString("Saved Fax Attachments", "MaxFiles", "11", path));
+  struct stat info {};
+  ASSERT_EQ(stat(path.c_str(), &info), 0);
+  EXPECT_EQ(info.st_mode & 0777, 0640u);
+
+  EXPECT_FALSE(ProfileWriteString("s", "k", "v", PathOf("no such directory/new.ini")));
+  EXPECT_FALSE(ProfileWriteString("s", "", "v", path));
+  EXPECT_FALSE(ProfileWriteString("s", "k", "v", Dir()));
+}
+
+TEST_F(Profile, FailedWriteLeavesTheFileAsItWas) {
+  const std::string path = PathOf("admin.ini");
+  const std::string original = "[Users]\nalice=1\n";
+  bool written = false;
+  for (std::uint64_t failing = 1; !written && failing < 20; ++failing) {
+    WriteFile(path, original);
+    FailFileOperations(failing);
+    written = ProfileWriteString("Users", "bob", "2", path);
+    if (!written) {
+      EXPECT_EQ(ReadFile(path), original) << "operation " << failing;
+    }
+  }
+  EXPECT_TRUE(written);
+  EXPECT_EQ(ReadFile(path), "[Users]\r\nalice=1\r\nbob=2\r\n");
+  std::size_t entries = 0;
+  for ([[maybe_unused]] const auto &entry : std::filesystem::directory_iterator(Dir()))
+    ++entries;
+  EXPECT_EQ(entries, 2u) << "only the profile and the Windows directory; no temporary file left behind";
+}
+
+TEST_F(Profile, UnqualifiedNameLivesInTheWindowsDirectory) {
+  EXPECT_TRUE(ProfileWriteString("s", "k", "v", "TQVTEST.INI"));
+  EXPECT_EQ(ReadFile(WinDir() + "/TQVTEST.INI"), "[s]\r\nk=v\r\n");
+  WriteFile(WinDir() + "/other.ini", "[s]\nk=there\n");
+  EXPECT_EQ(ReadString("s", "k", "other.ini"), "there");
+  EXPECT_FALSE(Exists(Dir() + "/TQVTEST.INI"));
+}
+
+TEST_F(Profile, RepeatedReadsTouchNoFileButChangesAreSeen) {
+  const std::string path = PathOf("cached.ini");
+  WriteFile(path, "[s]\nk=old\n");
+  SetModifiedTime(path, 1000000000);
+  EXPECT_EQ(ReadString("s", "k", path), "old");
+  FailFileOperations(0, 0);
+  EXPECT_EQ(ReadString("s", "k", path), "old");
+  EXPECT_EQ(ProfileReadInt("s", "missing", 3, path), 3);
+  EXPECT_EQ(FileOperationCount(), 0u) << "a cached read needs no open or read";
+
+  // Same size, new content, rewritten in place: only the modification time tells.
+  WriteFile(path, "[s]\nk=new\n");
+  SetModifiedTime(path, 1000000001);
+  EXPECT_EQ(ReadString("s", "k", path), "new");
+
+  // Same size and modification time, but another file renamed over it.
+  const std::string replacement = PathOf("replacement.ini");
+  WriteFile(replacement, "[s]\nk=rep\n");
+  SetModifiedTime(replacement, 1000000001);
+  ASSERT_EQ(rename(replacement.c_str(), path.c_str()), 0);
+  EXPECT_EQ(ReadString("s", "k", path), "rep");
+
+  // Our own write is seen at once, and so is the file going away.
+  EXPECT_TRUE(ProfileWriteString("s", "k", "written", path));
+  EXPECT_EQ(ReadString("s", "k", path), "written");
+  std::filesystem::remove(path);
+  EXPECT_EQ(ReadString("s", "k", path, 99, "gone"), "gone");
+}
+
+TEST_F(Profile, JunkFilesReadWithoutHarm) {
+  std::string junk;
+  for (int i = 0; i < 4096; ++i)
+    junk += static_cast<char>((i * 7919) % 256);
+  const std::string inputs[] = {
+      junk,
+      "[s]\nk=" + std::string(1 << 20, 'v'),
+      "[s]\0\nk=v"s,
+      std::string(200000, '\0') + "\n[s]\nk=v",
+  };
+  const std::string path = PathOf("junk.ini");
+  for (const std::string &input : inputs) {
+    WriteFile(path, input);
+    const std::string value = ReadString("s", "k", path, 10, "d");
+    EXPECT_LE(value.size(), 9u);
+    ProfileReadString(std::nullopt, std::nullopt, "", 1 << 16, path);
+    ProfileReadString("s", std::nullopt, "", 1 << 16, path);
+    EXPECT_TRUE(ProfileWriteString("s", "added", "1", path));
+    EXPECT_EQ(ReadString("s", "added", path), "1");
+  }
+  EXPECT_EQ(ReadString("s", "k", path), "v");
+}
+
+TEST_F(RegionalSettings, ReadsIntlOfWinIni) {
+  EXPECT_EQ(ReadRegionalSetting("sShortDate"), std::nullopt) << "no WIN.INI";
+  const std::string value62(kMaxRegionalValue, 'x');
+  WriteFile(WinDir() + "/WIN.INI",
+            "[windows]\nsTimeFormat=wrong section\n[Intl]\nsShortDate=dd.MM.yyyy\ns1159=\n"
+            "s2359=" +
+                value62 + "\nsTimeFormat=" + value62 + "y\n");
+  EXPECT_EQ(ReadRegionalSetting("sshortdate"), "dd.MM.yyyy");
+  EXPECT_EQ(ReadRegionalSetting("s1159"), "");
+  EXPECT_EQ(ReadRegionalSetting("s2359"), value62);
+  EXPECT_EQ(ReadRegionalSetting("sTimeFormat"), std::nullopt) << "63 characters are too many";
+  EXPECT_EQ(ReadRegionalSetting("sLongDate"), std::nullopt);
+}
+
+}  // namespace
+}  // namespace tqv::platform
