@@ -1,0 +1,97 @@
+// Unique file names from the clock or from a wanted name. Only lookups, no file is created; when
+// a path buffer leaves no room for the varying part, the cut name is returned as it is.
+#include "common/unique_name.h"
+
+#include <cstdint>
+#include <cstdio>
+
+#include "common/path_helpers.h"
+#include "common/text_limits.h"
+#include "platform/clock.h"
+
+namespace tqv {
+
+namespace {
+
+// Base names stay within the eight characters of the old short file names where they can.
+constexpr std::size_t kShortBaseName = 8;
+
+struct SplitPath {
+  std::string driveAndDirectory;  // everything up to and including the last separator
+  std::string baseName;
+  std::string extension;  // from the last "." of the file name on, dot included
+};
+
+SplitPath Split(const std::string &path) {
+  // A drive prefix "X:" without a separator ("C:NAME.TXT") still belongs before the file name.
+  std::size_t nameStart = (path.size() >= 2 && path[1] == ':') ? 2 : 0;
+  const std::size_t lastSeparator = path.find_last_of("\\/");
+  if (lastSeparator != std::string::npos && lastSeparator + 1 > nameStart) nameStart = lastSeparator + 1;
+
+  SplitPath parts;
+  parts.driveAndDirectory = path.substr(0, nameStart);
+  const std::string name = path.substr(nameStart);
+  const std::size_t dot = name.rfind('.');
+  parts.baseName = name.substr(0, dot);
+  if (dot != std::string::npos) parts.extension = name.substr(dot);
+  return parts;
+}
+
+// The next base name to try for counter value `digits`.
+std::string NumberedBaseName(std::string baseName, const std::string &digits) {
+  if (digits.size() < kShortBaseName && baseName.size() < kShortBaseName - digits.size()) {
+    // A digit 1 to 8 at the end is taken for the previous counter value and replaced.
+    const char last = baseName.empty() ? '\0' : baseName.back();
+    if (last >= '1' && last <= '8') baseName.pop_back();
+    return baseName + digits;
+  }
+  // No room: the counter overwrites the end of the first eight characters.
+  const std::size_t keep = digits.size() < kShortBaseName ? kShortBaseName - digits.size() : 0;
+  CutText(baseName, keep);
+  return baseName + digits;
+}
+
+}  // namespace
+
+std::string MakeUniqueName(std::string_view directory, std::string_view extension) {
+  // The clock as a 32-bit number: the name has room for eight hexadecimal digits only.
+  auto number = static_cast<std::uint32_t>(platform::CurrentTime());
+  std::string previous;
+  while (true) {
+    std::string name(directory);
+    AppendBackslash(name);
+    char digits[9];
+    std::snprintf(digits, sizeof digits, "%08lX", static_cast<unsigned long>(number));
+    name += digits;
+    if (!extension.empty()) {
+      if (extension.front() != '.') name.push_back('.');
+      name += extension;
+    }
+    CutText(name, kMaxPath);
+    // The same name twice means the cut took every digit: no other name can come.
+    if (name == previous || !FileExists(name)) return name;
+    previous = std::move(name);
+    ++number;
+  }
+}
+
+std::string MakeUniqueVariant(std::string_view wantedPath) {
+  std::string name(wantedPath);
+  CutText(name, kMaxPath);
+  if (!FileExists(name)) return name;
+
+  for (std::uint64_t counter = 1;; ++counter) {
+    // Each step renumbers the previous candidate, not the wanted name; hence the names run
+    // AB9, AB910, AB91011, AB910112 once the short counter no longer fits.
+    const SplitPath parts = Split(name);
+    // With no room left for the file name, every candidate is the same: searching is endless.
+    if (parts.driveAndDirectory.size() >= kMaxPath) return name;
+    std::string next =
+        parts.driveAndDirectory + NumberedBaseName(parts.baseName, std::to_string(counter)) + parts.extension;
+    CutText(next, kMaxPath);
+    if (!FileExists(next)) return next;
+    name = std::move(next);
+  }
+}
+
+}  // namespace tqv

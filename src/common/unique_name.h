@@ -1,0 +1,20 @@
+// File names that no existing file has yet: from the clock, or as a numbered variant of a wanted
+// name. Neither creates the file, so two callers may get the same name until one of them does.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace tqv {
+
+// directory\XXXXXXXX.ext with eight upper-case hexadecimal digits counted up from the current
+// time until no such file exists. A "." is put before the extension unless it has one; an empty
+// extension gives a name without a dot. Cut to kMaxPath.
+std::string MakeUniqueName(std::string_view directory, std::string_view extension);
+
+// The wanted path itself when no such file exists, else the first free numbered variant,
+// keeping the base name within eight characters where it can (REPORT.DOC -> REPORT1.DOC,
+// REPORT12.DOC, ...). Cut to kMaxPath.
+std::string MakeUniqueVariant(std::string_view wantedPath);
+
+}  // namespace tqv

@@ -1,0 +1,82 @@
+#include "common/path_helpers.h"
+
+#include <filesystem>
+
+#include "common/text_limits.h"
+#include "platform/file.h"
+#include "support/temp_dir.h"
+
+namespace tqv {
+namespace {
+
+class PathHelpers : public testing::TempDirTest {};
+
+TEST(AppendBackslash, AddsOneSeparatorOnlyWhereMissing) {
+  const std::pair<std::string, std::string> cases[] = {
+      {"D:\\DATA\\", "D:\\DATA\\"}, {"D:\\DATA", "D:\\DATA\\"}, {"", "\\"}, {"/var/spool/", "/var/spool/"}};
+  for (const auto &[path, expected] : cases) {
+    std::string text = path;
+    EXPECT_EQ(AppendBackslash(text), expected) << path;
+  }
+}
+
+TEST(AppendBackslash, NeverGrowsPastAPathBuffer) {
+  std::string full(kMaxPath, 'a');
+  EXPECT_EQ(AppendBackslash(full), std::string(kMaxPath, 'a'));
+  std::string almostFull(kMaxPath - 1, 'a');
+  EXPECT_EQ(AppendBackslash(almostFull), std::string(kMaxPath - 1, 'a') + "\\");
+}
+
+TEST_F(PathHelpers, FileExistsFindsFilesDirectoriesAndPatterns) {
+  WriteFile(PathOf("JOB.TQV"), "x");
+  EXPECT_TRUE(FileExists(PathOf("JOB.TQV")));
+  EXPECT_TRUE(FileExists(Dir()));
+  EXPECT_TRUE(FileExists(Dir() + "\\*.TQV"));
+  EXPECT_FALSE(FileExists(Dir() + "\\*.TMP"));
+  EXPECT_FALSE(FileExists(PathOf("MISSING.TQV")));
+  EXPECT_FALSE(FileExists(PathOf("JOB.TQV") + "\\"));
+}
+
+TEST_F(PathHelpers, DirectoryExistsIgnoresOneTrailingSeparatorAndRejectsFiles) {
+  WriteFile(PathOf("FILE.TXT"), "x");
+  EXPECT_TRUE(DirectoryExists(Dir()));
+  EXPECT_TRUE(DirectoryExists(Dir() + "\\"));
+  EXPECT_TRUE(DirectoryExists(Dir() + "/"));
+  EXPECT_FALSE(DirectoryExists(PathOf("FILE.TXT")));
+  EXPECT_FALSE(DirectoryExists(PathOf("FILE.TXT") + "\\"));
+  EXPECT_FALSE(DirectoryExists(PathOf("MISSING")));
+}
+
+TEST_F(PathHelpers, CreateOneDirectoryMakesOneLevelOnly) {
+  EXPECT_TRUE(CreateOneDirectory(PathOf("PENDING") + "\\"));
+  EXPECT_TRUE(DirectoryExists(PathOf("PENDING")));
+  EXPECT_FALSE(CreateOneDirectory(PathOf("A\\B")));
+  EXPECT_FALSE(Exists(PathOf("A")));
+}
+
+TEST_F(PathHelpers, DeleteAllFilesKeepsSubdirectoriesAndTheirContents) {
+  WriteFile(PathOf("ONE.TIF"), "x");
+  WriteFile(PathOf("NODOT"), "x");
+  std::filesystem::create_directory(PathOf("SUB"));
+  WriteFile(PathOf("SUB/INNER.TXT"), "x");
+  DeleteAllFiles(Dir() + "\\");
+  EXPECT_FALSE(Exists(PathOf("ONE.TIF")));
+  EXPECT_FALSE(Exists(PathOf("NODOT")));
+  EXPECT_TRUE(Exists(PathOf("SUB/INNER.TXT")));
+  EXPECT_TRUE(Exists(WinDir()));
+}
+
+TEST_F(PathHelpers, GetFileSizeOfGivesBytesOrMinusOne) {
+  WriteFile(PathOf("EMPTY"), "");
+  WriteFile(PathOf("FIVE"), "12345");
+  EXPECT_EQ(GetFileSizeOf(PathOf("MISSING")), -1);
+  EXPECT_EQ(GetFileSizeOf(PathOf("EMPTY")), 0);
+  EXPECT_EQ(GetFileSizeOf(PathOf("FIVE")), 5);
+  // A file another writer holds without sharing cannot be measured.
+  const auto held = platform::File::OpenExclusive(PathOf("FIVE"));
+  ASSERT_TRUE(held.has_value());
+  EXPECT_EQ(GetFileSizeOf(PathOf("FIVE")), -1);
+}
+
+}  // namespace
+}  // namespace tqv

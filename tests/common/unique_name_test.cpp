@@ -1,0 +1,83 @@
+#include "common/unique_name.h"
+
+#include <filesystem>
+#include <vector>
+
+#include "platform/clock.h"
+#include "support/temp_dir.h"
+
+namespace tqv {
+namespace {
+
+class UniqueName : public testing::TempDirTest {
+ protected:
+  void PinClock(std::int64_t time) {
+    platform::SetCurrentTimeSource([time] { return time; });
+  }
+};
+
+TEST_F(UniqueName, ExtensionWithOrWithoutDotGivesTheSameName) {
+  PinClock(0x12345678);
+  EXPECT_EQ(MakeUniqueName(Dir(), "TXT"), Dir() + "\\12345678.TXT");
+  EXPECT_EQ(MakeUniqueName(Dir() + "\\", ".TXT"), Dir() + "\\12345678.TXT");
+  EXPECT_EQ(MakeUniqueName(Dir(), ""), Dir() + "\\12345678");
+  EXPECT_FALSE(Exists(PathOf("12345678.TXT")));
+}
+
+TEST_F(UniqueName, CountsUpPastExistingNames) {
+  PinClock(0x12345678);
+  WriteFile(PathOf("12345678.TQV"), "");
+  WriteFile(PathOf("12345679.TQV"), "");
+  EXPECT_EQ(MakeUniqueName(Dir(), "TQV"), Dir() + "\\1234567A.TQV");
+}
+
+TEST_F(UniqueName, ClockIsTakenAsThirtyTwoBits) {
+  PinClock(0x1000000ABLL);
+  EXPECT_EQ(MakeUniqueName(Dir(), "TQV"), Dir() + "\\000000AB.TQV");
+  PinClock(0xFFFFFFFFLL);
+  WriteFile(PathOf("FFFFFFFF.TQV"), "");
+  EXPECT_EQ(MakeUniqueName(Dir(), "TQV"), Dir() + "\\00000000.TQV");
+}
+
+TEST_F(UniqueName, VariantOfAFreeNameIsTheNameItself) {
+  EXPECT_EQ(MakeUniqueVariant(Dir() + "\\REPORT.DOC"), Dir() + "\\REPORT.DOC");
+}
+
+TEST_F(UniqueName, VariantsFollowTheShortNameSequences) {
+  struct Sequence {
+    std::string wanted;
+    std::vector<std::string> names;  // each returned while all before it exist
+  };
+  const Sequence sequences[] = {
+      {"AB.DOC",
+       {"AB1.DOC", "AB2.DOC", "AB3.DOC", "AB4.DOC", "AB5.DOC", "AB6.DOC", "AB7.DOC", "AB8.DOC", "AB9.DOC",
+        "AB910.DOC", "AB91011.DOC", "AB910112.DOC", "AB910113.DOC"}},
+      {"ABCDE.DOC",
+       {"ABCDE1.DOC", "ABCDE2.DOC", "ABCDE3.DOC", "ABCDE4.DOC", "ABCDE5.DOC", "ABCDE6.DOC", "ABCDE7.DOC",
+        "ABCDE8.DOC", "ABCDE9.DOC", "ABCDE910.DOC", "ABCDE911.DOC"}},
+      {"REPORT.DOC",
+       {"REPORT1.DOC", "REPORT12.DOC", "REPORT13.DOC", "REPORT14.DOC", "REPORT15.DOC", "REPORT16.DOC",
+        "REPORT17.DOC", "REPORT18.DOC", "REPORT19.DOC", "REPORT10.DOC", "REPORT11.DOC", "REPORT20.DOC"}},
+      {"LONGNAME.DOC",
+       {"LONGNAM1.DOC", "LONGNAM2.DOC", "LONGNAM3.DOC", "LONGNAM4.DOC", "LONGNAM5.DOC", "LONGNAM6.DOC",
+        "LONGNAM7.DOC", "LONGNAM8.DOC", "LONGNAM9.DOC", "LONGNA10.DOC", "LONGNA11.DOC"}},
+      {"VERYLONGNAME.DOC", {"VERYLON1.DOC", "VERYLON2.DOC"}},
+      {"NOEXT", {"NOEXT1", "NOEXT2"}},
+  };
+  for (const auto &sequence : sequences) {
+    WriteFile(PathOf(sequence.wanted), "");
+    for (const auto &name : sequence.names) {
+      EXPECT_EQ(MakeUniqueVariant(Dir() + "\\" + sequence.wanted), Dir() + "\\" + name);
+      WriteFile(PathOf(name), "");
+    }
+  }
+}
+
+TEST_F(UniqueName, VariantTakesTheExtensionFromTheFileNameOnly) {
+  std::filesystem::create_directory(PathOf("v1.0"));
+  WriteFile(PathOf("v1.0/AB"), "");
+  EXPECT_EQ(MakeUniqueVariant(PathOf("v1.0") + "\\AB"), PathOf("v1.0") + "\\AB1");
+}
+
+}  // namespace
+}  // namespace tqv
