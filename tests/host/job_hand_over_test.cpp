@@ -1,0 +1,138 @@
+#include <gtest/gtest.h>
+
+#include <array>
+#include <filesystem>
+
+#include "common/job_record.h"
+#include "common/receive_record.h"
+#include "config/service_state.h"
+#include "host/entry_points.h"
+#include "platform/clock.h"
+#include "support/installation.h"
+
+namespace tqv {
+namespace {
+
+class HandOver : public testing::InstallationTest {
+ protected:
+  void SetUp() override {
+    InstallationTest::SetUp();
+    platform::SetTickCountSource([this] { return tick; });
+    ASSERT_EQ(host::Initialise(0, ""), 0);
+  }
+  std::uint32_t tick = 1000;
+};
+
+TEST_F(HandOver, PendingJobComesBackFromScanAndIsTakenOver) {
+  JobRecord job = JobRecord::WithTag(kFaxJobTag);
+  job.View().SetText(job::JobFile, "C:\\OLD\\00000001.TQV");
+  job.View().SetText(job::FaxNumber, "089123456");
+  job.View().SetNumber(job::Status, 3u);
+  std::array<unsigned char, kJobRecordSize> hostBuffer{};
+  job.CopyTo(hostBuffer.data());
+
+  ASSERT_EQ(host::FaxPending(hostBuffer.data()), 0);
+  const std::string jobFile = JobRecordView(hostBuffer.data()).Text(job::JobFile);
+  EXPECT_EQ(jobFile.substr(0, PendingDir().size() + 1), PendingDir() + "\\");
+  EXPECT_EQ(jobFile.substr(jobFile.size() - 4), ".TQV");
+  EXPECT_EQ(ReadFile(Native(jobFile)),
+            std::string_view(reinterpret_cast<char *>(hostBuffer.data()), kJobRecordSize))
+      << "stored as the host left it, with its new file name";
+
+  std::array<unsigned char, kJobRecordSize> scanned{};
+  ASSERT_EQ(host::Scan(1, scanned.data()), 1);
+  EXPECT_EQ(scanned, hostBuffer);
+  EXPECT_EQ(host::ScannedEventAccepted(scanned.data()), 1);
+  EXPECT_FALSE(Exists(Native(jobFile)));
+  EXPECT_EQ(host::ScannedEventAccepted(scanned.data()), 0) << "the file is already gone";
+  EXPECT_EQ(host::Scan(1, scanned.data()), 0);
+
+  // Given back twice, the job is stored twice: the host removes the first through the acceptance.
+  ASSERT_EQ(host::FaxPending(hostBuffer.data()), 0);
+  ASSERT_EQ(host::FaxPending(hostBuffer.data()), 0);
+  EXPECT_EQ(std::distance(std::filesystem::directory_iterator(PathOf("gw/out/PENDING")), {}), 2);
+}
+
+TEST_F(HandOver, PendingFailsWhenNoJobFileCanBeCreated) {
+  std::array<unsigned char, kJobRecordSize> hostBuffer{};
+  std::filesystem::remove_all(PathOf("gw/out/PENDING"));
+  EXPECT_EQ(host::FaxPending(hostBuffer.data()), -1);
+  EXPECT_TRUE(Events().empty()) << "the host keeps the only copy; no event";
+  EXPECT_EQ(host::FaxPending(nullptr), -1);
+}
+
+TEST_F(HandOver, ScanConvertsAtMostOnceIn15001MillisecondsAndEmptiesTheWorkDirectory) {
+  std::array<unsigned char, kJobRecordSize> buffer{};
+  EXPECT_EQ(host::Scan(1, buffer.data()), 0);
+  EXPECT_EQ(host::LastConversionPassTick(), 1000u);
+  tick += 15000;
+  WriteFile(PathOf("product/TEMP/TQVSPOOL/left.tmp"), "x");
+  host::Scan(1, buffer.data());
+  EXPECT_EQ(host::LastConversionPassTick(), 1000u);
+  EXPECT_FALSE(Exists(PathOf("product/TEMP/TQVSPOOL/left.tmp")));
+  tick += 1;
+  host::Scan(1, buffer.data());
+  EXPECT_EQ(host::LastConversionPassTick(), 16001u);
+
+  // The tick count wraps after 49.7 days; the difference still counts.
+  tick = 5000;
+  host::Scan(1, buffer.data());
+  EXPECT_EQ(host::LastConversionPassTick(), 5000u);
+}
+
+TEST_F(HandOver, FinishedJobLosesItsOwnDocumentsOnly) {
+  for (const char *name : {"T.txt", "D1.PDF", "D2.FAX", "D3.FAX"})
+    WriteFile(PathOf(name), "x");
+  JobRecord job = JobRecord::WithTag(kFaxJobTag);
+  JobRecordView view = job.View();
+  view.SetText(job::MessageTextFile, PathOf("T.txt"));
+  view.SetNumber(job::FileCount, 2);
+  view.SetText(job::File(0), PathOf("D1.PDF"));
+  view.SetText(job::File(1), PathOf("missing.FAX"));
+  view.SetText(job::File(2), PathOf("D3.FAX"));
+  EXPECT_EQ(host::FaxSent(view.Bytes()), 0);
+  EXPECT_FALSE(Exists(PathOf("T.txt")));
+  EXPECT_FALSE(Exists(PathOf("D1.PDF")));
+  EXPECT_TRUE(Exists(PathOf("D2.FAX")));
+  EXPECT_TRUE(Exists(PathOf("D3.FAX"))) << "beyond FileCount";
+}
+
+TEST_F(HandOver, UsersAllowedToFaxAreCountedAndStationsLearned) {
+  // Default properties (7424) do not include SendFaxes; 1 and 129 (SendFaxes + LearnCsidRoute) do.
+  WriteFile(ProductDir() + "/tqvadmin.ini",
+            "[Recipient List]\r\nann=Ann\r\nbob=Bob\r\ncid=Cid\r\n"
+            "[Recipients Properties]\r\nann=1\r\ncid=129\r\n");
+  std::uint32_t count = 99;
+  EXPECT_EQ(host::GetNumUsers(&count), 0);
+  EXPECT_EQ(count, 2u);
+  EXPECT_EQ(host::GetNumUsers(nullptr), 0);
+
+  JobRecord job = JobRecord::WithTag(kFaxJobTag);
+  job.View().SetText(job::SenderEmail, "ann");
+  job.View().SetText(job::RemoteId, "+49 89 1234");
+  host::FaxSent(job.View().Bytes());
+  job.View().SetText(job::SenderEmail, "cid");
+  job.View().SetNumber(job::Status, 3u);
+  host::FaxSent(job.View().Bytes());
+  const std::string admin = ReadFile(ProductDir() + "/tqvadmin.ini");
+  EXPECT_EQ(admin.find("ann,+49"), std::string::npos) << "ann does not learn stations";
+  EXPECT_NE(admin.find("CSID_00000=cid,+49 89 1234"), std::string::npos) << admin;
+}
+
+TEST_F(HandOver, ReceiveFileIsNamedInTempInButNotCreated) {
+  std::array<unsigned char, 2048> receive{};
+  receive.fill('r');
+  EXPECT_EQ(host::CreateReceiveFaxFile(receive.data()), 0);
+  const std::string name = ReceiveRecordView(receive.data()).Text(receive::FaxFile);
+  const std::string prefix = CurrentService().tempInDirectory + "\\";
+  ASSERT_EQ(name.size(), prefix.size() + 12);
+  EXPECT_EQ(name.substr(0, prefix.size()), prefix);
+  EXPECT_EQ(name.find_first_not_of("0123456789ABCDEF", prefix.size()), prefix.size() + 8);
+  EXPECT_EQ(name.substr(prefix.size() + 8), ".FAX");
+  EXPECT_FALSE(Exists(Native(name)));
+  EXPECT_EQ(receive[receive::FaxFile.offset - 1], 'r');
+  EXPECT_EQ(receive[receive::FaxFile.End()], 'r') << "nothing outside the field is touched";
+}
+
+}  // namespace
+}  // namespace tqv

@@ -1,0 +1,54 @@
+#include "support/installation.h"
+
+#include <cstdlib>
+#include <filesystem>
+#include <sstream>
+
+#include "host/entry_points.h"
+#include "platform/posix/native_path.h"
+#include "platform/profile.h"
+
+namespace tqv::testing {
+
+void InstallationTest::SetUp() {
+  TempDirTest::SetUp();
+  host::ResetLibraryStateForTesting();
+  setenv("TQVSPOOL_EVENTLOG", PathOf("events.log").c_str(), 1);
+  std::filesystem::create_directories(ProductDir());
+  std::filesystem::create_directories(GatewayIn());
+  std::filesystem::create_directories(GatewayOut());
+  std::filesystem::create_directories(WinDir() + "/Corvanta");
+  platform::ProfileWriteString("Corvanta", "Directory", ProductDir(), WinDir() + "/Corvanta/TQVMSERV.INI");
+  WriteFile(ProductDir() + "/tqstring.ini", "[English]\r\n");
+  SetConfig("Directories", "GatewayIn", GatewayIn());
+  SetConfig("Directories", "GatewayOut", GatewayOut());
+  SetConfig("Directories", "CoverDir", ProductDir() + "\\COVER");
+  SetConfig("Directories", "Voicemail", ProductDir() + "\\VOICE");
+}
+
+void InstallationTest::TearDown() {
+  host::ResetLibraryStateForTesting();
+  unsetenv("TQVSPOOL_EVENTLOG");
+  TempDirTest::TearDown();
+}
+
+std::string InstallationTest::Native(std::string_view windowsPath) {
+  return platform::ToNativePath(windowsPath);
+}
+
+void InstallationTest::SetConfig(std::string_view section, std::string_view key,
+                                 std::string_view value) const {
+  platform::ProfileWriteString(section, key, value, ConfigFile());
+}
+
+std::vector<std::string> InstallationTest::Events() const {
+  std::vector<std::string> events;
+  std::istringstream lines(ReadFile(PathOf("events.log")));
+  for (std::string line; std::getline(lines, line);) {
+    if (!line.empty() && line.back() == '\r') line.pop_back();
+    events.push_back(line);
+  }
+  return events;
+}
+
+}  // namespace tqv::testing

@@ -1,0 +1,31 @@
+// A complete installation in a temporary directory: the machine file, the product directory with
+// its settings and string file, the two gateway directories, and an event log file to read back.
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "support/temp_dir.h"
+
+namespace tqv::testing {
+
+class InstallationTest : public TempDirTest {
+ protected:
+  void SetUp() override;
+  void TearDown() override;
+
+  std::string ProductDir() const { return PathOf("product"); }
+  std::string GatewayIn() const { return PathOf("gw/in"); }
+  std::string GatewayOut() const { return PathOf("gw/out"); }
+  std::string PendingDir() const { return GatewayOut() + "\\PENDING"; }
+  std::string ConfigFile() const { return ProductDir() + "/tqvconfg.ini"; }
+
+  // The file-system path of a Windows-form path the library reports.
+  static std::string Native(std::string_view windowsPath);
+  void SetConfig(std::string_view section, std::string_view key, std::string_view value) const;
+  // The events reported so far, each "type\tsource\tmessage".
+  std::vector<std::string> Events() const;
+};
+
+}  // namespace tqv::testing
