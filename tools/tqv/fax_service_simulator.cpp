@@ -1,0 +1,86 @@
+// Scan cycles of the simulated fax service. It follows the calling order a fax service owes the
+// library: S_Scan, S_ScannedEventAccepted, then exactly one of S_FaxSent, S_JfaxReady or S_FaxPending.
+#include "tqv/fax_service_simulator.h"
+
+#include <array>
+#include <set>
+
+#include "platform/clock.h"
+#include "tqv/display_text.h"
+#include "tqv/host_records.h"
+#include "tqv/loopback_line.h"
+
+namespace tqv::tool {
+
+std::string CycleSummary(const CycleCounts &counts) {
+  std::string summary = Counted(static_cast<std::size_t>(counts.scanned), "job") + ": " +
+                        std::to_string(counts.sent) + " sent, " + std::to_string(counts.failed) +
+                        " failed, " + std::to_string(counts.jfax) + " to JFAX, " +
+                        std::to_string(counts.pending) + " back in queue";
+  if (counts.lost > 0) summary += ", " + std::to_string(counts.lost) + " lost";
+  return summary;
+}
+
+void FaxServiceSimulator::Say(const std::string &line) {
+  out_ << line << std::endl;
+}
+
+CycleCounts FaxServiceSimulator::RunCycle(const std::function<bool()> &stopRequested) {
+  CycleCounts counts;
+  std::set<std::string> putBack;
+  std::array<unsigned char, TQV_JOB_RECORD_SIZE> buffer{};
+  unsigned char *job = buffer.data();
+  while (!(stopRequested && stopRequested())) {
+    buffer.fill(0);
+    if (entries_.scan(options_.dueJobsFlag, job) != 1) break;
+
+    const std::string jobFile = ReadText(job, host_job::JobFile);
+    const std::string name(FileNameOf(jobFile));
+    if (putBack.count(jobFile) != 0) {
+      Say("scan: job " + name + " was put back in this cycle; it waits for the next one");
+      break;
+    }
+    ++counts.scanned;
+    const std::string_view tag = ReadRaw(job, host_job::Tag);
+    const std::string faxNumber = ReadText(job, host_job::FaxNumber);
+    Say("scan: job " + name + " tag " + std::string(tag) + " to " + faxNumber + " (" +
+        Counted(static_cast<std::size_t>(host_job::DocumentCount(job)), "document") + ")");
+    if (entries_.scannedEventAccepted(job) == 0) Say("accept: job file " + name + " was already gone");
+
+    // A skip-queue job goes at once whatever its schedule: the queue hands it out first every
+    // time, so putting it back would hold up every other job until it is due.
+    const std::int32_t scheduled = ReadNumber(job, host_job::ScheduledTime);
+    if (ReadNumber(job, host_job::SkipQueue) == 0 && scheduled > platform::CurrentTime()) {
+      if (entries_.faxPending(job) != 0) {
+        ++counts.lost;
+        Say("pending: job " + name + " could not be put back (S_FaxPending failed); the job is lost");
+        continue;
+      }
+      ++counts.pending;
+      const std::string storedAs = ReadText(job, host_job::JobFile);
+      putBack.insert(storedAs);
+      Say("pending: job " + name + " not due until " + LocalMinuteText(scheduled) + "; back in queue as " +
+          std::string(FileNameOf(storedAs)));
+      continue;
+    }
+
+    ++calls_;
+    const bool failed = options_.failEvery > 0 && calls_ % options_.failEvery == 0;
+    FillLoopbackResult(job, failed);
+    std::string outcome = "status " + std::to_string(ReadNumber(job, host_job::Status));
+    if (failed) outcome += " (" + ReadText(job, host_job::StatusInfo) + ")";
+    if (tag == TQV_JOB_TAG_JFAX) {
+      ++counts.jfax;
+      entries_.jfaxReady(job);
+      Say("jfax: job " + name + " to " + faxNumber + " handed back for mailing, " + outcome);
+      continue;
+    }
+    ++(failed ? counts.failed : counts.sent);
+    entries_.faxSent(job);
+    Say("sent: job " + name + " to " + faxNumber + " on " + std::string(kLoopbackPort) + ", " +
+        Counted(ReadNumber(job, host_job::PagesTransferred), "page") + ", " + outcome);
+  }
+  return counts;
+}
+
+}  // namespace tqv::tool

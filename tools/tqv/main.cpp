@@ -1,0 +1,36 @@
+// Entry of the `tqv` command: parses the command line and runs the chosen subcommand. Every bad
+// command line ends with one line on stderr and exit code 64.
+#include <CLI/CLI.hpp>
+
+#include <algorithm>
+#include <string>
+
+#include "tqv/commands.h"
+
+namespace {
+
+std::string OneLineFailure(const CLI::App *, const CLI::Error &error) {
+  std::string reason = error.what();
+  std::replace(reason.begin(), reason.end(), '\n', ' ');
+  return "tqv: " + reason + " (see --help)\n";
+}
+
+}  // namespace
+
+int main(int argc, char **argv) {
+  CLI::App app{"Tools for the tqvspool gateway file converter.", "tqv"};
+  app.footer("Exit status: 0 success, 1 failure, 2 library cannot be loaded, 64 bad command line.");
+  app.require_subcommand(1);
+  app.failure_message(OneLineFailure);
+
+  tqv::tool::CommandAction action;
+  tqv::tool::AddHostCommand(app, action);
+  tqv::tool::AddQueueCommand(app, action);
+
+  try {
+    app.parse(argc, argv);
+  } catch (const CLI::ParseError &error) {
+    return app.exit(error) == 0 ? tqv::tool::kExitSuccess : tqv::tool::kExitUsage;
+  }
+  return action ? action() : tqv::tool::kExitSuccess;
+}
