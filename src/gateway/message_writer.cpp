@@ -1,0 +1,216 @@
+// MessageWriter: the header lines in the order of the keyword table, and the body and attachment
+// blocks. Write errors on the message file are not detected; the gateway gets what was written.
+#include "gateway/message_writer.h"
+
+#include <algorithm>
+#include <memory>
+#include <string>
+
+#include "common/path_helpers.h"
+#include "common/text_limits.h"
+#include "config/service_state.h"
+#include "gateway/message_counter.h"
+
+namespace tqv {
+
+namespace {
+
+constexpr std::string_view kLineEnd = "\r\n";
+// File contents are copied in pieces of this size; the bytes written do not depend on it.
+constexpr std::size_t kCopyPiece = 256 * 1024;
+
+constexpr std::string_view kFileNamePrefix = "SGW";
+constexpr std::string_view kFileNameExtension = ".TMP";
+constexpr std::string_view kMessageClass = "IPM.NOTE";
+constexpr std::string_view kNormal = "Normal";
+
+std::string Line(HeaderKeyword keyword, std::string_view value) {
+  std::string line(KeywordText(keyword));
+  line += value;
+  line += kLineEnd;
+  return line;
+}
+
+std::string BlockEnd(HeaderKeyword endKeyword) {
+  std::string lines(kLineEnd);
+  lines += Line(endKeyword, "");
+  return lines;
+}
+
+// The name an attachment travels under: the part after the last separator.
+std::string_view FileNamePart(std::string_view path) {
+  const std::size_t separator = path.find_last_of("\\/");
+  return separator == std::string_view::npos ? path : path.substr(separator + 1);
+}
+
+std::string Cut(std::string_view text) {
+  std::string copy(text);
+  return CutText(copy, kMaxName);
+}
+
+}  // namespace
+
+bool MessageWriter::Create(GatewayDirection direction) {
+  if (file_ || !recipients_.empty()) return false;
+  const ServiceState &service = CurrentService();
+  std::string path =
+      direction == GatewayDirection::In ? service.gatewayInDirectory : service.gatewayOutDirectory;
+  AppendBackslash(path);
+  path += kFileNamePrefix;
+  path += std::to_string(NextMessageId());
+  path += kFileNameExtension;
+  CutText(path, kMaxPath);
+
+  file_ = platform::File::CreateExclusive(path);
+  if (!file_) return false;
+  headersWritten_ = false;
+  file_->Write(Line(HeaderKeyword::TnefAttach, ""));
+  return true;
+}
+
+void MessageWriter::SetSender(std::string_view text) {
+  sender_ = Cut(text);
+}
+
+void MessageWriter::SetSubject(std::string_view text) {
+  subject_ = Cut(text);
+}
+
+void MessageWriter::SetStatusInfo(std::string_view text) {
+  faxStatusInfo_ = Cut(text);
+}
+
+void MessageWriter::SetFileType(std::string_view text) {
+  fileType_ = Cut(text);
+}
+
+bool MessageWriter::AddRecipient(std::string_view text) {
+  if (recipients_.size() >= kMaxMessageRecipients) return false;
+  recipients_.push_back(Cut(text));
+  return true;
+}
+
+void MessageWriter::SetCustomString(std::string_view bytes) {
+  customString_.fill('\0');
+  std::copy_n(bytes.begin(), std::min(bytes.size(), kMaxCustomStringBytes), customString_.begin());
+}
+
+std::string MessageWriter::HeaderValue(HeaderKeyword keyword) const {
+  switch (keyword) {
+    case HeaderKeyword::FileType:
+      return fileType_;
+    case HeaderKeyword::MailFrom:
+    case HeaderKeyword::From:
+      return sender_;
+    case HeaderKeyword::MessageClass:
+      return std::string(kMessageClass);
+    case HeaderKeyword::Date:
+    case HeaderKeyword::FaxDeliveryTime:
+      return std::to_string(deliveryTime_);
+    case HeaderKeyword::Subject:
+      return subject_;
+    case HeaderKeyword::Priority:
+    case HeaderKeyword::Importance:
+      return std::string(kNormal);
+    case HeaderKeyword::CustomString:
+      return std::string(customString_.data());
+    case HeaderKeyword::FaxStatus:
+      return std::to_string(faxStatus_);
+    case HeaderKeyword::FaxStatusInfo:
+      return faxStatusInfo_;
+    case HeaderKeyword::FaxNumRetries:
+      return std::to_string(numRetries_);
+    case HeaderKeyword::FaxCallDuration:
+      return std::to_string(callDuration_);
+    case HeaderKeyword::FaxPagesTransferred:
+      return std::to_string(pagesTransferred_);
+    default:  // "DATA:", "X-Message-ID:" and the External-/Internal- lines stay empty
+      return {};
+  }
+}
+
+void MessageWriter::WriteHeadersOnce() {
+  if (headersWritten_ || !file_) return;
+  headersWritten_ = true;
+  std::string lines;
+  for (auto index = static_cast<std::size_t>(kFirstDeferredHeader);
+       index <= static_cast<std::size_t>(kLastDeferredHeader); ++index) {
+    const HeaderKeyword keyword = kHeaderKeywords[index].keyword;
+    if (keyword == HeaderKeyword::RcptTo || keyword == HeaderKeyword::To) {
+      for (const std::string &recipient : recipients_)
+        lines += Line(keyword, recipient);
+    } else {
+      lines += Line(keyword, HeaderValue(keyword));
+    }
+  }
+  file_->Write(lines);
+}
+
+void MessageWriter::WriteFileContents(platform::File &source, std::uint64_t size) {
+  const std::size_t pieceSize = static_cast<std::size_t>(std::min<std::uint64_t>(size, kCopyPiece));
+  const std::unique_ptr<char[]> piece = std::make_unique<char[]>(pieceSize);
+  for (std::uint64_t left = size; left > 0;) {
+    const std::optional<std::size_t> got =
+        source.Read(piece.get(), static_cast<std::size_t>(std::min<std::uint64_t>(left, pieceSize)));
+    if (!got || *got == 0) return;
+    file_->Write(piece.get(), *got);
+    left -= *got;
+  }
+}
+
+bool MessageWriter::AddBody(std::string_view text, std::optional<std::string_view> filePath) {
+  if (!file_) return false;
+  WriteHeadersOnce();
+  std::optional<platform::File> source;
+  std::uint64_t fileSize = 0;
+  if (filePath) source = platform::File::OpenExclusive(*filePath);
+  if (source) fileSize = source->Size().value_or(0);
+
+  // The length counts the CR LF that ends the text, unless there is no text at all.
+  std::uint64_t length = text.size() + fileSize;
+  if (length > 0) length += kLineEnd.size();
+
+  file_->Write(Line(HeaderKeyword::BeginBody, std::to_string(length)));
+  if (!text.empty()) file_->Write(text);
+  if (fileSize > 0) WriteFileContents(*source, fileSize);
+  std::string end = length > 0 ? std::string(kLineEnd) : std::string();
+  end += BlockEnd(HeaderKeyword::EndBody);
+  file_->Write(end);
+  return true;
+}
+
+bool MessageWriter::AddBodyBuffer(std::string_view bytes) {
+  if (!file_ || bytes.empty()) return false;
+  file_->Write(Line(HeaderKeyword::BeginBody, std::to_string(bytes.size() + kLineEnd.size())));
+  file_->Write(bytes);
+  file_->Write(std::string(kLineEnd) + BlockEnd(HeaderKeyword::EndBody));
+  return true;
+}
+
+bool MessageWriter::AddAttachment(std::string_view filePath) {
+  if (!file_) return false;
+  WriteHeadersOnce();
+  std::string path(filePath);
+  CutText(path, kMaxPath);
+  if (path.empty() || !FileExists(path)) return false;
+  std::optional<platform::File> source = platform::File::OpenExclusive(path);
+  if (!source) return false;
+  const std::uint64_t size = source->Size().value_or(0);
+  if (size == 0) return false;
+
+  std::string value(FileNamePart(path));
+  value += ':';
+  value += std::to_string(size);
+  file_->Write(Line(HeaderKeyword::BeginAttach, value));
+  WriteFileContents(*source, size);
+  file_->Write(BlockEnd(HeaderKeyword::EndAttach));
+  return true;
+}
+
+void MessageWriter::Close() {
+  WriteHeadersOnce();
+  recipients_.clear();
+  file_.reset();
+}
+
+}  // namespace tqv

@@ -1,0 +1,88 @@
+// MessageWriter: composes one gateway message file for the mail gateway, "SGWn.TMP" in the
+// gateway-in directory. The file is held without sharing from Create to Close, so the gateway
+// never takes half a message. Write errors on the message file are not detected.
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "gateway/header_keywords.h"
+#include "platform/file.h"
+
+namespace tqv {
+
+// The most recipients one message carries.
+inline constexpr std::size_t kMaxMessageRecipients = 1024;
+// SetCustomString keeps at most this many bytes, so the field always ends in a NUL.
+inline constexpr std::size_t kMaxCustomStringBytes = 255;
+
+enum class GatewayDirection { In, Out };
+
+class MessageWriter {
+ public:
+  MessageWriter() = default;
+  MessageWriter(const MessageWriter &) = delete;
+  MessageWriter &operator=(const MessageWriter &) = delete;
+
+  // Creates the next numbered message file, replacing a file of that name. Fails when a file is
+  // already open, a recipient was added before, or the directory cannot be written.
+  bool Create(GatewayDirection direction = GatewayDirection::In);
+
+  // Texts keep at most kMaxName characters. Values set after the header lines have been
+  // written (by the first AddBody, AddAttachment or Close) do not reach the file.
+  void SetSender(std::string_view text);
+  void SetSubject(std::string_view text);
+  void SetStatusInfo(std::string_view text);
+  void SetFileType(std::string_view text);
+  // False, storing nothing, when kMaxMessageRecipients are already there.
+  bool AddRecipient(std::string_view text);
+  // Keeps the bytes as they are (at most kMaxCustomStringBytes); the file gets them up to the first NUL.
+  void SetCustomString(std::string_view bytes);
+  void SetFaxStatus(std::int32_t value) { faxStatus_ = value; }
+  void SetNumRetries(std::int32_t value) { numRetries_ = value; }
+  void SetCallDuration(std::int32_t value) { callDuration_ = value; }
+  void SetPagesTransferred(std::int32_t value) { pagesTransferred_ = value; }
+  // Written both as "Date:" and as "FAX-DeliveryTime:".
+  void SetDeliveryTime(std::int32_t value) { deliveryTime_ = value; }
+
+  // A body block of the text followed by the file's contents; a file that cannot be opened
+  // contributes nothing. False only when no message file is open.
+  bool AddBody(std::string_view text, std::optional<std::string_view> filePath = std::nullopt);
+  // A body block of the bytes, written as it stands: before the header lines when they are not
+  // yet written. False, writing nothing, for no bytes or no open file.
+  bool AddBodyBuffer(std::string_view bytes);
+  // An attachment block holding the file, named by the last part of its path. False, writing no
+  // block, when the path is empty or the file is missing, held by another or empty.
+  bool AddAttachment(std::string_view filePath);
+
+  // Writes the header lines if no block did, forgets the recipients and closes the file. A writer
+  // destroyed without Close releases the file as it stands, without the header lines.
+  void Close();
+
+ private:
+  void WriteHeadersOnce();
+  std::string HeaderValue(HeaderKeyword keyword) const;
+  void WriteBlockStart(HeaderKeyword keyword, std::string_view value);
+  void WriteFileContents(platform::File &source, std::uint64_t size);
+
+  std::vector<std::string> recipients_;
+  std::string sender_;
+  std::string subject_;
+  std::array<char, kMaxCustomStringBytes + 1> customString_{};
+  std::int32_t faxStatus_ = 0;
+  std::string faxStatusInfo_;
+  std::int32_t numRetries_ = 0;
+  std::int32_t callDuration_ = 0;
+  std::int32_t pagesTransferred_ = 0;
+  std::int32_t deliveryTime_ = 0;
+  std::string fileType_;
+  std::optional<platform::File> file_;
+  bool headersWritten_ = false;
+};
+
+}  // namespace tqv
