@@ -113,20 +113,10 @@ static_assert(File(kMaxJobFiles - 1).End() == FilesTable.End());
 
 }  // namespace job
 
-// Field access over a record buffer that someone else owns (the host's, or a JobRecord's bytes).
-// Every access stays inside its field; the buffer must hold kJobRecordSize bytes.
-class JobRecordView {
+// Field access over a job record buffer of kJobRecordSize bytes.
+class JobRecordView : public RecordView {
  public:
-  explicit JobRecordView(void *bytes) : bytes_(static_cast<unsigned char *>(bytes)) {}
-
-  std::string Text(TextField field) const { return ReadText(bytes_, field); }
-  void SetText(TextField field, std::string_view text) { WriteText(bytes_, field, text); }
-  std::uint32_t Number(UnsignedField field) const { return ReadNumber(bytes_, field); }
-  std::int32_t Number(SignedField field) const { return ReadNumber(bytes_, field); }
-  void SetNumber(UnsignedField field, std::uint32_t value) { WriteNumber(bytes_, field, value); }
-  void SetNumber(SignedField field, std::int32_t value) { WriteNumber(bytes_, field, value); }
-  std::string_view Raw(RawField field) const { return ReadRaw(bytes_, field); }
-  void SetRaw(RawField field, std::string_view bytes) { WriteRaw(bytes_, field, bytes); }
+  using RecordView::RecordView;
 
   // True for the two job tags and a RecordSize of 8267: the record may be handed to the host.
   bool HasValidHeader() const;
@@ -134,11 +124,6 @@ class JobRecordView {
   bool IsTextFileJob() const { return Text(job::SenderEmail) == kTextFileSender; }
   // FileCount held to 0..16, so a damaged count never walks off the table.
   int UsableFileCount() const;
-
-  unsigned char *Bytes() const { return bytes_; }
-
- private:
-  unsigned char *bytes_;
 };
 
 // A job record of its own: zero-filled at birth, as the converter requires before it sets a field.

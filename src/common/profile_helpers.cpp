@@ -6,6 +6,7 @@
 #include <limits>
 #include <string>
 
+#include "common/number_text.h"
 #include "platform/profile.h"
 
 namespace tqv {
@@ -14,25 +15,6 @@ namespace {
 
 // The value buffer holds 511 bytes: at most 510 characters of a value are read.
 constexpr std::size_t kValueBuffer = 511;
-
-// atol without its undefined behaviour on overflow: out-of-range values are held at the ends.
-std::int32_t ParseLong(std::string_view text) {
-  std::size_t i = 0;
-  while (i < text.size() && (text[i] == ' ' || (text[i] >= '\t' && text[i] <= '\r')))
-    ++i;
-  bool negative = false;
-  if (i < text.size() && (text[i] == '+' || text[i] == '-')) negative = text[i++] == '-';
-  // One beyond the largest magnitude is enough to know that the number is out of range.
-  constexpr std::int64_t kMagnitudeLimit = std::int64_t{std::numeric_limits<std::int32_t>::max()} + 1;
-  std::int64_t magnitude = 0;
-  for (; i < text.size() && text[i] >= '0' && text[i] <= '9'; ++i) {
-    magnitude = magnitude * 10 + (text[i] - '0');
-    if (magnitude > kMagnitudeLimit) magnitude = kMagnitudeLimit;
-  }
-  const std::int64_t value = negative ? -magnitude : magnitude;
-  if (value > std::numeric_limits<std::int32_t>::max()) return std::numeric_limits<std::int32_t>::max();
-  return static_cast<std::int32_t>(value);
-}
 
 }  // namespace
 

@@ -47,19 +47,6 @@ static_assert(OcrTextFile.End() == kReceiveTouchedSize);
 }  // namespace receive
 
 // Field access over the host's receive record.
-class ReceiveRecordView {
- public:
-  explicit ReceiveRecordView(void *bytes) : bytes_(static_cast<unsigned char *>(bytes)) {}
-
-  std::string Text(TextField field) const { return ReadText(bytes_, field); }
-  void SetText(TextField field, std::string_view text) { WriteText(bytes_, field, text); }
-  std::uint32_t Number(UnsignedField field) const { return ReadNumber(bytes_, field); }
-  std::int32_t Number(SignedField field) const { return ReadNumber(bytes_, field); }
-  void SetNumber(UnsignedField field, std::uint32_t value) { WriteNumber(bytes_, field, value); }
-  void SetNumber(SignedField field, std::int32_t value) { WriteNumber(bytes_, field, value); }
-
- private:
-  unsigned char *bytes_;
-};
+using ReceiveRecordView = RecordView;
 
 }  // namespace tqv

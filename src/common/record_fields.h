@@ -50,4 +50,25 @@ std::int32_t ReadNumber(const unsigned char *record, SignedField field);
 void WriteNumber(unsigned char *record, UnsignedField field, std::uint32_t value);
 void WriteNumber(unsigned char *record, SignedField field, std::int32_t value);
 
+// Field access over a record buffer that someone else owns (the host's, or a record of our own).
+// Every access stays inside its field; the buffer must be large enough for every field used.
+class RecordView {
+ public:
+  explicit RecordView(void *bytes) : bytes_(static_cast<unsigned char *>(bytes)) {}
+
+  std::string Text(TextField field) const { return ReadText(bytes_, field); }
+  void SetText(TextField field, std::string_view text) { WriteText(bytes_, field, text); }
+  std::uint32_t Number(UnsignedField field) const { return ReadNumber(bytes_, field); }
+  std::int32_t Number(SignedField field) const { return ReadNumber(bytes_, field); }
+  void SetNumber(UnsignedField field, std::uint32_t value) { WriteNumber(bytes_, field, value); }
+  void SetNumber(SignedField field, std::int32_t value) { WriteNumber(bytes_, field, value); }
+  std::string_view Raw(RawField field) const { return ReadRaw(bytes_, field); }
+  void SetRaw(RawField field, std::string_view bytes) { WriteRaw(bytes_, field, bytes); }
+
+  unsigned char *Bytes() const { return bytes_; }
+
+ private:
+  unsigned char *bytes_;
+};
+
 }  // namespace tqv

@@ -8,6 +8,7 @@
 #include <memory>
 #include <optional>
 
+#include "common/number_text.h"
 #include "common/text_limits.h"
 #include "platform/file.h"
 #include "platform/file_system.h"
@@ -25,22 +26,6 @@ constexpr std::uint64_t kBlockDataEnd = 2;
 
 constexpr std::string_view kNameOpen = "[[[";
 constexpr std::string_view kNameClose = "]]]";
-
-// As atol reads a number (blanks, sign, digits), but held at the ends of the 32-bit range
-// instead of overflowing.
-std::int32_t ParseLong(std::string_view text) {
-  std::size_t i = 0;
-  while (i < text.size() && (text[i] == ' ' || (text[i] >= '\t' && text[i] <= '\r')))
-    ++i;
-  bool negative = false;
-  if (i < text.size() && (text[i] == '+' || text[i] == '-')) negative = text[i++] == '-';
-  constexpr std::int64_t kMagnitudeLimit = std::int64_t{std::numeric_limits<std::int32_t>::max()} + 1;
-  std::int64_t magnitude = 0;
-  for (; i < text.size() && text[i] >= '0' && text[i] <= '9'; ++i)
-    magnitude = std::min(magnitude * 10 + (text[i] - '0'), kMagnitudeLimit);
-  const std::int64_t value = negative ? -magnitude : magnitude;
-  return static_cast<std::int32_t>(std::min<std::int64_t>(value, std::numeric_limits<std::int32_t>::max()));
-}
 
 bool IsBlank(int byte) {
   return byte == '\r' || byte == '\n' || byte == ' ' || byte == '\t';
