@@ -11,23 +11,21 @@ namespace {
 
 class PathHelpers : public testing::TempDirTest {};
 
-TEST(AppendBackslash, AddsOneSeparatorOnlyWhereMissing) {
+TEST(AppendBackslash, AddsOneSeparatorOnlyWhereMissingAndWithinAPathBuffer) {
   const std::pair<std::string, std::string> cases[] = {
-      {"D:\\DATA\\", "D:\\DATA\\"}, {"D:\\DATA", "D:\\DATA\\"}, {"", "\\"}, {"/var/spool/", "/var/spool/"}};
+      {"D:\\DATA\\", "D:\\DATA\\"},
+      {"D:\\DATA", "D:\\DATA\\"},
+      {"", "\\"},
+      {"/var/spool/", "/var/spool/"},
+      {std::string(kMaxPath, 'a'), std::string(kMaxPath, 'a')},
+      {std::string(kMaxPath - 1, 'a'), std::string(kMaxPath - 1, 'a') + "\\"}};
   for (const auto &[path, expected] : cases) {
     std::string text = path;
     EXPECT_EQ(AppendBackslash(text), expected) << path;
   }
 }
 
-TEST(AppendBackslash, NeverGrowsPastAPathBuffer) {
-  std::string full(kMaxPath, 'a');
-  EXPECT_EQ(AppendBackslash(full), std::string(kMaxPath, 'a'));
-  std::string almostFull(kMaxPath - 1, 'a');
-  EXPECT_EQ(AppendBackslash(almostFull), std::string(kMaxPath - 1, 'a') + "\\");
-}
-
-TEST_F(PathHelpers, FileExistsFindsFilesDirectoriesAndPatterns) {
+TEST_F(PathHelpers, ExistenceChecksTellFilesDirectoriesAndPatternsApart) {
   WriteFile(PathOf("JOB.TQV"), "x");
   EXPECT_TRUE(FileExists(PathOf("JOB.TQV")));
   EXPECT_TRUE(FileExists(Dir()));
@@ -35,21 +33,19 @@ TEST_F(PathHelpers, FileExistsFindsFilesDirectoriesAndPatterns) {
   EXPECT_FALSE(FileExists(Dir() + "\\*.TMP"));
   EXPECT_FALSE(FileExists(PathOf("MISSING.TQV")));
   EXPECT_FALSE(FileExists(PathOf("JOB.TQV") + "\\"));
-}
 
-TEST_F(PathHelpers, DirectoryExistsIgnoresOneTrailingSeparatorAndRejectsFiles) {
-  WriteFile(PathOf("FILE.TXT"), "x");
   EXPECT_TRUE(DirectoryExists(Dir()));
   EXPECT_TRUE(DirectoryExists(Dir() + "\\"));
   EXPECT_TRUE(DirectoryExists(Dir() + "/"));
-  EXPECT_FALSE(DirectoryExists(PathOf("FILE.TXT")));
-  EXPECT_FALSE(DirectoryExists(PathOf("FILE.TXT") + "\\"));
+  EXPECT_FALSE(DirectoryExists(PathOf("JOB.TQV")));
+  EXPECT_FALSE(DirectoryExists(PathOf("JOB.TQV") + "\\"));
   EXPECT_FALSE(DirectoryExists(PathOf("MISSING")));
 }
 
 TEST_F(PathHelpers, CreateOneDirectoryMakesOneLevelOnly) {
   EXPECT_TRUE(CreateOneDirectory(PathOf("PENDING") + "\\"));
   EXPECT_TRUE(DirectoryExists(PathOf("PENDING")));
+  EXPECT_FALSE(CreateOneDirectory(PathOf("PENDING"))) << "already there";
   EXPECT_FALSE(CreateOneDirectory(PathOf("A\\B")));
   EXPECT_FALSE(Exists(PathOf("A")));
 }

@@ -5,15 +5,35 @@
 namespace tqv {
 namespace {
 
-struct EditCase {
-  std::string text;
-  std::string expected;
-};
+std::string &SqueezeAroundEquals(std::string &text) {
+  return SqueezeAround(text, '=');
+}
+std::string &SqueezeAroundComma(std::string &text) {
+  return SqueezeAround(text, ',');
+}
 
-TEST(RemoveBlanks, RemovesSpacesTabsAndLineFeedsButNotCarriageReturns) {
-  const EditCase cases[] = {{" 1 2\t3\n", "123"}, {"a\r\nb", "a\rb"}, {" \t\n", ""}};
-  for (auto [text, expected] : cases)
-    EXPECT_EQ(RemoveBlanks(text), expected);
+TEST(StringEditors, EditInPlace) {
+  const struct {
+    std::string &(*edit)(std::string &);
+    std::string text;
+    std::string expected;
+  } cases[] = {
+      // Carriage returns are not blanks: they stay.
+      {RemoveBlanks, " 1 2\t3\n", "123"},
+      {RemoveBlanks, "a\r\nb", "a\rb"},
+      {RemoveBlanks, " \t\n", ""},
+      {TrimRight, "abc \r\n", "abc"},
+      {TrimRight, " \t", ""},
+      {TrimRight, "\ta b\t\n", "\ta b"},
+      {SqueezeAroundEquals, "key \t =\t  value", "key=value"},
+      {SqueezeAroundEquals, "a b = c d", "a b=c d"},
+      {SqueezeAroundEquals, " =x", "=x"},
+      {SqueezeAroundEquals, "x= ", "x="},
+      {SqueezeAroundComma, "A = 1 , B", "A = 1,B"},
+      {SqueezeAroundEquals, "= =", "=="},
+  };
+  for (auto c : cases)
+    EXPECT_EQ(c.edit(c.text), c.expected) << c.text;
 }
 
 TEST(RemoveBlanks, KeepsAtMostTheCapAndBlanksDoNotCount) {
@@ -23,26 +43,6 @@ TEST(RemoveBlanks, KeepsAtMostTheCapAndBlanksDoNotCount) {
   EXPECT_EQ(RemoveBlanks(spaced), std::string(kMaxBlankFreeText, 'x'));
   std::string tooLong = std::string(kMaxBlankFreeText, 'x') + "yz";
   EXPECT_EQ(RemoveBlanks(tooLong), std::string(kMaxBlankFreeText, 'x'));
-}
-
-TEST(TrimRight, RemovesOnlyTrailingWhitespace) {
-  const EditCase cases[] = {{"abc \r\n", "abc"}, {" \t", ""}, {"", ""}, {"\ta b\t\n", "\ta b"}};
-  for (auto [text, expected] : cases)
-    EXPECT_EQ(TrimRight(text), expected);
-}
-
-TEST(SqueezeAround, RemovesBlankRunsBesideTheSeparatorOnly) {
-  std::string line = "A = 1 , B";
-  EXPECT_EQ(SqueezeAround(line, '='), "A=1 , B");
-  EXPECT_EQ(SqueezeAround(line, ','), "A=1,B");
-
-  const EditCase cases[] = {{"key \t =\t  value", "key=value"},
-                            {" =x", "=x"},
-                            {"x= ", "x="},
-                            {"a b = c d", "a b=c d"},
-                            {"= =", "=="}};
-  for (auto [text, expected] : cases)
-    EXPECT_EQ(SqueezeAround(text, '='), expected);
 }
 
 }  // namespace

@@ -16,31 +16,22 @@ class UniqueName : public testing::TempDirTest {
   }
 };
 
-TEST_F(UniqueName, ExtensionWithOrWithoutDotGivesTheSameName) {
+TEST_F(UniqueName, NameIsTheClockInHexCountingUpPastExistingNames) {
   PinClock(0x12345678);
   EXPECT_EQ(MakeUniqueName(Dir(), "TXT"), Dir() + "\\12345678.TXT");
   EXPECT_EQ(MakeUniqueName(Dir() + "\\", ".TXT"), Dir() + "\\12345678.TXT");
   EXPECT_EQ(MakeUniqueName(Dir(), ""), Dir() + "\\12345678");
   EXPECT_FALSE(Exists(PathOf("12345678.TXT")));
-}
-
-TEST_F(UniqueName, CountsUpPastExistingNames) {
-  PinClock(0x12345678);
   WriteFile(PathOf("12345678.TQV"), "");
   WriteFile(PathOf("12345679.TQV"), "");
   EXPECT_EQ(MakeUniqueName(Dir(), "TQV"), Dir() + "\\1234567A.TQV");
-}
 
-TEST_F(UniqueName, ClockIsTakenAsThirtyTwoBits) {
+  // The clock is taken as 32 bits, and the count wraps with it.
   PinClock(0x1000000ABLL);
   EXPECT_EQ(MakeUniqueName(Dir(), "TQV"), Dir() + "\\000000AB.TQV");
   PinClock(0xFFFFFFFFLL);
   WriteFile(PathOf("FFFFFFFF.TQV"), "");
   EXPECT_EQ(MakeUniqueName(Dir(), "TQV"), Dir() + "\\00000000.TQV");
-}
-
-TEST_F(UniqueName, VariantOfAFreeNameIsTheNameItself) {
-  EXPECT_EQ(MakeUniqueVariant(Dir() + "\\REPORT.DOC"), Dir() + "\\REPORT.DOC");
 }
 
 TEST_F(UniqueName, VariantsFollowTheShortNameSequences) {
@@ -65,15 +56,16 @@ TEST_F(UniqueName, VariantsFollowTheShortNameSequences) {
       {"NOEXT", {"NOEXT1", "NOEXT2"}},
   };
   for (const auto &sequence : sequences) {
+    // A free name is its own variant.
+    EXPECT_EQ(MakeUniqueVariant(Dir() + "\\" + sequence.wanted), Dir() + "\\" + sequence.wanted);
     WriteFile(PathOf(sequence.wanted), "");
     for (const auto &name : sequence.names) {
       EXPECT_EQ(MakeUniqueVariant(Dir() + "\\" + sequence.wanted), Dir() + "\\" + name);
       WriteFile(PathOf(name), "");
     }
   }
-}
 
-TEST_F(UniqueName, VariantTakesTheExtensionFromTheFileNameOnly) {
+  // The extension comes from the file name, not from a dotted directory.
   std::filesystem::create_directory(PathOf("v1.0"));
   WriteFile(PathOf("v1.0/AB"), "");
   EXPECT_EQ(MakeUniqueVariant(PathOf("v1.0") + "\\AB"), PathOf("v1.0") + "\\AB1");

@@ -24,28 +24,25 @@ using NameList = std::vector<std::string>;
 TEST_F(FileSystemTest, EnumerationMatchesWithoutCaseAndSortsLikeNtfs) {
   for (const char *name : {"b.TQV", "A.tqv", "c.txt", "README", "a.tqvx"})
     WriteFile(PathOf(name), "");
+  WriteFile(PathOf("one.txt"), "12345");
   std::filesystem::create_directory(PathOf("Sub"));
 
   EXPECT_EQ(Names("*.TQV"), (NameList{"A.tqv", "b.TQV"}));
-  EXPECT_EQ(Names("*.*"), (NameList{".", "..", "A.tqv", "a.tqvx", "b.TQV", "c.txt", "README", "Sub", "windows"}));
+  EXPECT_EQ(Names("*.*"), (NameList{".", "..", "A.tqv", "a.tqvx", "b.TQV", "c.txt", "one.txt", "README",
+                                    "Sub", "windows"}));
   EXPECT_EQ(Names("?.T*"), (NameList{"A.tqv", "a.tqvx", "b.TQV", "c.txt"}));
   EXPECT_EQ(Names("nothing*"), NameList{});
   EXPECT_TRUE(FindEntries(PathOf("missing/*.*")).empty());
-
   std::vector<EntryInfo> sub = FindEntries(PathOf("S*"));
   ASSERT_EQ(sub.size(), 1u);
   EXPECT_TRUE(sub[0].isDirectory);
-}
 
-TEST_F(FileSystemTest, APathWithoutWildcardsIsOneLookup) {
-  WriteFile(PathOf("one.txt"), "12345");
+  // Without wildcards it is one lookup.
   std::vector<EntryInfo> found = FindEntries(PathOf("one.txt"));
   ASSERT_EQ(found.size(), 1u);
   EXPECT_EQ(found[0].name, "one.txt");
   EXPECT_EQ(found[0].size, 5u);
   EXPECT_FALSE(found[0].isDirectory);
-
-  EXPECT_TRUE(GetEntryInfo(Dir()));
   EXPECT_TRUE(GetEntryInfo(Dir())->isDirectory);
   EXPECT_FALSE(GetEntryInfo(Dir() + "/")) << "a trailing separator finds nothing, as on Windows";
   EXPECT_FALSE(GetEntryInfo(PathOf("two.txt")));
@@ -87,15 +84,7 @@ TEST_F(FileSystemTest, CopyAndDeleteRespectAFileHeldExclusively) {
   EXPECT_TRUE(RemoveFile(held));
   EXPECT_FALSE(Exists(held));
   EXPECT_FALSE(RemoveFile(held));
-}
-
-TEST_F(FileSystemTest, DirectoriesAreMadeOneLevelAndNeverRemovedAsFiles) {
-  EXPECT_TRUE(MakeDirectory(PathOf("one")));
-  EXPECT_FALSE(MakeDirectory(PathOf("one"))) << "already there";
-  EXPECT_FALSE(MakeDirectory(PathOf("two/three"))) << "no parents are made";
-  EXPECT_TRUE(MakeDirectory(PathOf("one\\deeper\\")));
-  EXPECT_TRUE(GetEntryInfo(PathOf("one/deeper"))->isDirectory);
-  EXPECT_FALSE(RemoveFile(PathOf("one")));
+  EXPECT_FALSE(RemoveFile(Dir())) << "a directory is never removed as a file";
 }
 
 }  // namespace
