@@ -24,7 +24,6 @@ TEST_F(AdminDatabase, UserSectionIsStoredUnderParenthesesButKeysKeepBrackets) {
 
 TEST_F(AdminDatabase, StartsFromTheProductDirectoryOfTheMachineFile) {
   ResetAdminDatabaseForTesting();
-  EXPECT_EQ(SavedFileLimit(SavedFileKind::Template), 5);
   ResetSettingsPathsForTesting();
   std::filesystem::create_directories(WinDir() + "/Corvanta");
   platform::ProfileWriteString("Corvanta", "Directory", Dir() + "\\", WinDir() + "/Corvanta/TQVMSERV.INI");

@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "config/admin_database_fixture.h"
+#include "config/saved_file_defaults.h"
 
 namespace tqv {
 namespace {
@@ -73,6 +74,13 @@ TEST_F(SavedFiles, AddWithAnExistingNameReplacesItInPlaceAndDeletesTheOldFile) {
   EXPECT_EQ(AddSavedFile(SavedFileKind::Coverpage, "joe", "Plain", same), 0);
   EXPECT_EQ(AddSavedFile(SavedFileKind::Coverpage, "joe", "plain", same), 0);
   EXPECT_TRUE(Exists(same));
+  // Reserved names are refused only for their own list.
+  const std::string before = Database();
+  EXPECT_EQ(AddSavedFile(SavedFileKind::Coverpage, "joe", "coverpge", "x"), -1);
+  EXPECT_EQ(DeleteSavedFile(SavedFileKind::Template, "joe", "template"), -1);
+  EXPECT_EQ(Database(), before);
+  EXPECT_EQ(AddSavedFile(SavedFileKind::Fax, "joe", "COVERPGE", "y"), 0);
+  EXPECT_EQ(FindAttachment("joe", "coverpge", 260), "y");
 }
 
 TEST_F(SavedFiles, AddNewNameMovesTheListDownBelowTheLimit) {
@@ -92,17 +100,6 @@ TEST_F(SavedFiles, AddNewNameMovesTheListDownBelowTheLimit) {
   EXPECT_EQ(AdminGetString("joe", "C_00001", "", 255), "Memo,m");
 }
 
-TEST_F(SavedFiles, ReservedNamesAreRefusedOnlyForTheirOwnList) {
-  WriteDatabase("[joe]\nC_00000=COVERPGE,c0\nT_00000=TEMPLATE,t0\n");
-  const std::string before = Database();
-  EXPECT_EQ(AddSavedFile(SavedFileKind::Coverpage, "joe", "coverpge", "x"), -1);
-  EXPECT_EQ(AddSavedFile(SavedFileKind::Template, "joe", "Template", "x"), -1);
-  EXPECT_EQ(DeleteSavedFile(SavedFileKind::Template, "joe", "template"), -1);
-  EXPECT_EQ(Database(), before);
-  EXPECT_EQ(AddSavedFile(SavedFileKind::Fax, "joe", "TEMPLATE", "y"), 0);
-  EXPECT_EQ(FindAttachment("joe", "template", 260), "y");
-}
-
 TEST_F(SavedFiles, DeleteClosesTheGapAndLeavesTheOldLastKeyEmpty) {
   const std::string deleted = StoredFile("one.doc");
   WriteDatabase("[joe]\nC_00000=Standard,c0\nC_00001=Bare\nC_00002=One," + deleted +
@@ -116,6 +113,40 @@ TEST_F(SavedFiles, DeleteClosesTheGapAndLeavesTheOldLastKeyEmpty) {
             "[joe]\nC_00000=Standard,c0\nC_00001=Bare\nC_00002=Two,t\nC_00003=Three,h\nC_00004=\n"
             "C_00006=Late,l\n");
   EXPECT_FALSE(Exists(deleted));
+}
+
+constexpr const char *kLists =
+    "[joe]\nC_00000=Standard,s0\nC_00001=Memo,m1\nC_00002=Bare\nC_00004=Hidden,h4\nT_00000=TEMPLATE,t0\n";
+
+TEST_F(SavedFiles, DefaultGivesNameAndPathOfItsEntry) {
+  const std::tuple<const char *, bool, const char *, const char *> cases[] = {
+      {"DefaultCover=memo\n", true, "memo", "m1"},        {"DefaultCover=Bare\n", true, "Bare", ""},
+      {"DefaultCover=Hidden\n", false, "Hidden", ""},  // past a gap
+      {"DefaultCover=TEMPLATE\n", false, "TEMPLATE", ""}, {"", false, "", ""},
+  };
+  for (const auto &[line, found, name, path] : cases) {
+    WriteDatabase(std::string(kLists) + line);
+    SavedFile file{"stale", "stale"};
+    EXPECT_EQ(GetDefaultCover("JOE", 255, 255, file), found) << line;
+    EXPECT_EQ(file.name, name) << line;
+    EXPECT_EQ(file.path, path) << line;
+  }
+  WriteDatabase(std::string(kLists) + "DefaultTemplate=template\n");
+  SavedFile file;
+  EXPECT_TRUE(GetDefaultTemplate("joe", 255, 3, file));
+  EXPECT_EQ(file.path, "t0");
+}
+
+TEST_F(SavedFiles, SetDefaultWritesTheNameAsGivenOnlyWhenAnEntryHasIt) {
+  WriteDatabase(std::string(kLists) + "DefaultCover=Standard\n");
+  EXPECT_FALSE(SetDefaultCover("joe", "Hidden"));
+  EXPECT_FALSE(SetDefaultTemplate("joe", "Memo"));
+  EXPECT_EQ(Database(), std::string(kLists) + "DefaultCover=Standard\n");
+  EXPECT_TRUE(SetDefaultCover("joe", "MEMO"));
+  EXPECT_TRUE(SetDefaultTemplate("joe", "Template"));
+  EXPECT_EQ(Database(), std::string(kLists) + "DefaultCover=MEMO\nDefaultTemplate=Template\n");
+  EXPECT_TRUE(SetDefaultCover("joe", ""));
+  EXPECT_EQ(Database(), std::string(kLists) + "DefaultTemplate=Template\n");
 }
 
 }  // namespace

@@ -6,6 +6,7 @@
 #include <limits>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "platform/profile.h"
 #include "support/temp_dir.h"
@@ -26,12 +27,12 @@ class SettingsFiles : public testing::TempDirTest {
   }
 
   std::string ProductDir() const { return PathOf("product"); }
-  std::string MachineFile() const { return WinDir() + "/Corvanta/TQVMSERV.INI"; }
 
   // Points the machine file at a product directory, as the administration program does.
   void Install(std::string_view productDirectory) const {
     std::filesystem::create_directories(WinDir() + "/Corvanta");
-    platform::ProfileWriteString("Corvanta", "Directory", productDirectory, MachineFile());
+    platform::ProfileWriteString("Corvanta", "Directory", productDirectory,
+                                 WinDir() + "/Corvanta/TQVMSERV.INI");
   }
 
   // No value removes the key.
@@ -44,178 +45,109 @@ class SettingsFiles : public testing::TempDirTest {
   }
 };
 
-TEST_F(SettingsFiles, MachineFileLivesInACorvantaFolderCreatedOnFirstUse) {
-  Install(ProductDir());
-  std::filesystem::remove_all(WinDir() + "/Corvanta");
-
+TEST_F(SettingsFiles, MachineFileFolderIsCreatedOneLevelOnly) {
   EXPECT_EQ(MachineFilePath(), WinDir() + "\\Corvanta\\TQVMSERV.INI");
   EXPECT_TRUE(std::filesystem::is_directory(WinDir() + "/Corvanta"));
-}
 
-TEST_F(SettingsFiles, CorvantaFolderIsCreatedOneLevelOnly) {
+  ResetSettingsPathsForTesting();
   const std::string missingWindows = PathOf("missing/windows");
   setenv("TQVSPOOL_WINDIR", missingWindows.c_str(), 1);
-
   EXPECT_EQ(MachineFilePath(), missingWindows + "\\Corvanta\\TQVMSERV.INI");
   EXPECT_FALSE(Exists(PathOf("missing")));
 }
 
-TEST_F(SettingsFiles, ConfigFileIsInTheProductDirectoryWithOrWithoutTrailingSeparator) {
+TEST_F(SettingsFiles, ConfigPathIsWorkedOutOnceUntilResetWithOrWithoutTrailingSeparator) {
   for (const std::string suffix : {"", "\\"}) {
     ResetSettingsPathsForTesting();
     Install(ProductDir() + suffix);
     EXPECT_EQ(ConfigFilePath(), ProductDir() + "\\tqvconfg.ini") << "suffix " << suffix;
   }
-}
-
-TEST_F(SettingsFiles, PathsAreWorkedOutOnceUntilReset) {
-  Install(ProductDir());
-  const std::string first = ConfigFilePath();
-
-  const std::string otherProduct = PathOf("other");
-  Install(otherProduct);
-  EXPECT_EQ(ConfigFilePath(), first);
+  Install(PathOf("other"));
+  EXPECT_EQ(ConfigFilePath(), ProductDir() + "\\tqvconfg.ini");
   // The product directory itself is read at the moment of use.
-  EXPECT_EQ(GetProductDirectory(), otherProduct);
-
+  EXPECT_EQ(GetProductDirectory(), PathOf("other"));
   ResetSettingsPathsForTesting();
-  EXPECT_EQ(ConfigFilePath(), otherProduct + "\\tqvconfg.ini");
-}
+  EXPECT_EQ(ConfigFilePath(), PathOf("other") + "\\tqvconfg.ini");
 
-TEST_F(SettingsFiles, DerivedNamesIgnoreATrailingSeparator) {
   for (const char *product : {"C:\\TQV", "C:\\TQV\\"}) {
-    const std::string base = std::string(product).substr(0, 6);
-    EXPECT_EQ(StringFilePath(product), base + "\\tqstring.ini") << product;
-    EXPECT_EQ(AttachmentDirectory(product), base + "\\ATTACH") << product;
-    EXPECT_EQ(WorkDirectory(product), base + "\\TEMP\\TQVSPOOL") << product;
-    EXPECT_EQ(AdminDatabasePath(product), base + "\\tqvadmin.ini") << product;
+    EXPECT_EQ(StringFilePath(product), "C:\\TQV\\tqstring.ini") << product;
+    EXPECT_EQ(AttachmentDirectory(product), "C:\\TQV\\ATTACH") << product;
+    EXPECT_EQ(WorkDirectory(product), "C:\\TQV\\TEMP\\TQVSPOOL") << product;
+    EXPECT_EQ(AdminDatabasePath(product), "C:\\TQV\\tqvadmin.ini") << product;
   }
 }
 
-TEST_F(SettingsFiles, MissingSavedLimitIsWrittenWithItsDefault) {
+TEST_F(SettingsFiles, NumbersAndSwitchesGiveTheirDefaultAndWriteTheEffectiveValueBack) {
   Install(ProductDir());
-  WriteFile(ProductDir() + "/tqvconfg.ini", "[Misc]\r\nMailSystem=Exchange\r\n");
-
-  EXPECT_EQ(GetSavedMaxFiles(SavedFileKind::Fax), 10);
-  EXPECT_EQ(ReadFile(ProductDir() + "/tqvconfg.ini"),
-            "[Misc]\r\nMailSystem=Exchange\r\n\r\n[Saved Fax Attachments]\r\nMaxFiles=10\r\n");
-}
-
-struct NumberSetting {
-  const char *section;
-  const char *key;
-  std::int32_t defaultValue;
-  std::function<std::int32_t()> read;
-};
-
-TEST_F(SettingsFiles, NumbersGiveTheirDefaultAndAreWrittenBack) {
-  Install(ProductDir());
-  const NumberSetting settings[] = {
-      {"Saved Coverpage Attachments", "MaxFiles", 10,
-       [] { return GetSavedMaxFiles(SavedFileKind::Coverpage); }},
-      {"Saved Template Attachments", "MaxFiles", 10,
-       [] { return GetSavedMaxFiles(SavedFileKind::Template); }},
-      {"Saved Fax Attachments", "MaxFiles", 10, [] { return GetSavedMaxFiles(SavedFileKind::Fax); }},
-      {"Saved Coverpage Attachments", "MaxSize", 2000,
-       [] { return GetSavedMaxSize(SavedFileKind::Coverpage); }},
-      {"Saved Template Attachments", "MaxSize", 2000,
-       [] { return GetSavedMaxSize(SavedFileKind::Template); }},
-      {"Saved Fax Attachments", "MaxSize", 2000, [] { return GetSavedMaxSize(SavedFileKind::Fax); }},
-      {"Fax Attachments", "MaxSize", 5000, [] { return GetFaxAttachmentMaxSize(); }},
+  struct Setting {
+    std::string section;
+    const char *key;
+    std::function<std::int32_t()> read;
+    std::int32_t fallback;  // -1: a switch, on by default and written back as 1 or 0
   };
-  // The effective value, as the integer profile reader makes it, replaces what was there.
-  const struct {
-    std::optional<std::string> stored;     // nullopt: key missing
-    std::optional<std::int32_t> expected;  // nullopt: the default
-  } values[] = {
-      {std::nullopt, std::nullopt}, {"", std::nullopt}, {"37", 37}, {" -4 files", -4}, {"none", 0},
+  std::vector<Setting> settings = {
+      {"Fax Attachments", "MaxSize", GetFaxAttachmentMaxSize, 5000},
+      {"Fax Attachments", "CheckFormat", GetFaxAttachmentCheckFormat, -1},
   };
-  for (const NumberSetting &setting : settings) {
-    for (const auto &value : values) {
-      const std::string label =
-          std::string(setting.section) + "/" + setting.key + "=" + value.stored.value_or("(missing)");
-      SetConfig(setting.section, setting.key, value.stored);
-      const std::int32_t expected = value.expected.value_or(setting.defaultValue);
+  for (const auto &[kind, name] :
+       {std::pair{SavedFileKind::Coverpage, "Coverpage"}, std::pair{SavedFileKind::Template, "Template"},
+        std::pair{SavedFileKind::Fax, "Fax"}}) {
+    const std::string section = std::string("Saved ") + name + " Attachments";
+    settings.push_back({section, "MaxFiles", [kind] { return GetSavedMaxFiles(kind); }, 10});
+    settings.push_back({section, "MaxSize", [kind] { return GetSavedMaxSize(kind); }, 2000});
+    settings.push_back({section, "CheckFormat", [kind] { return GetSavedCheckFormat(kind); }, -1});
+  }
+  // Stored value (none: key missing), the number read (none: the default), the switch read.
+  const std::tuple<std::optional<std::string>, std::optional<std::int32_t>, bool> values[] = {
+      {std::nullopt, std::nullopt, true},
+      {"", std::nullopt, true},
+      {"37", 37, true},
+      {" -4 files", -4, true},
+      {"none", 0, false},
+      {"0", 0, false}};
+  for (const Setting &setting : settings) {
+    for (const auto &[stored, number, on] : values) {
+      const std::string label = setting.section + "/" + setting.key + "=" + stored.value_or("(missing)");
+      SetConfig(setting.section, setting.key, stored);
+      // The effective value, as the integer profile reader makes it, replaces what was there.
+      const std::int32_t expected = setting.fallback == -1 ? on : number.value_or(setting.fallback);
       EXPECT_EQ(setting.read(), expected) << label;
       EXPECT_EQ(ConfigValue(setting.section, setting.key), std::to_string(expected)) << label;
     }
   }
 }
 
-struct SwitchSetting {
-  const char *section;
-  std::function<bool()> read;
-};
-
-TEST_F(SettingsFiles, SwitchesDefaultOnAndAreWrittenBackAsOneOrZero) {
+TEST_F(SettingsFiles, TextsAreCutToTheirLimitAndNeverWrittenBack) {
   Install(ProductDir());
-  const SwitchSetting settings[] = {
-      {"Saved Coverpage Attachments", [] { return GetSavedCheckFormat(SavedFileKind::Coverpage); }},
-      {"Saved Template Attachments", [] { return GetSavedCheckFormat(SavedFileKind::Template); }},
-      {"Saved Fax Attachments", [] { return GetSavedCheckFormat(SavedFileKind::Fax); }},
-      {"Fax Attachments", [] { return GetFaxAttachmentCheckFormat(); }},
-  };
   const struct {
-    std::optional<std::string> stored;
-    bool expected;
-  } values[] = {
-      {std::nullopt, true}, {"", true}, {"0", false}, {"1", true}, {"7", true}, {"-1", true}, {"yes", false},
+    const char *section;
+    const char *key;
+    std::size_t limit;
+    std::function<std::string()> read;
+    std::string fallback;
+  } settings[] = {
+      {"Misc", "MailSystem", 254, GetMailSystem, ""},
+      {"Directories", "GatewayIn", 259, [] { return GetGatewayInDirectory("C:\\IN"); }, "C:\\IN"},
+      {"Directories", "GatewayOut", 259, [] { return GetGatewayOutDirectory("C:\\OUT"); }, "C:\\OUT"},
+      {"Directories", "CoverDir", 259, GetCoverDirectory, ""},
+      {"Directories", "Voicemail", 259, GetVoicemailDirectory, ""},
+      {"Phone Properties", "InternationalPrefix", 19, [] { return GetInternationalPrefix("00"); }, "00"},
+      {"Phone Properties", "CountryCode", 19, [] { return GetCountryCode("49"); }, "49"},
+      {"Phone Properties", "AreaCode", 19, [] { return GetAreaCode("89"); }, "89"},
+      {"JFAX Dial", "Domain", 255, GetJfaxDomain, std::string(kDefaultJfaxDomain)},
+      {"JFAX Dial", "Dial19", 94, [] { return GetJfaxDial(19, "none"); }, "none"},
   };
-  for (const SwitchSetting &setting : settings) {
-    for (const auto &value : values) {
-      const std::string label = std::string(setting.section) + "=" + value.stored.value_or("(missing)");
-      SetConfig(setting.section, "CheckFormat", value.stored);
-      EXPECT_EQ(setting.read(), value.expected) << label;
-      EXPECT_EQ(ConfigValue(setting.section, "CheckFormat"), value.expected ? "1" : "0") << label;
-    }
-  }
-}
-
-TEST_F(SettingsFiles, SettingsNotWrittenBackLeaveTheFileAlone) {
-  Install(ProductDir());
-  EXPECT_EQ(GetMailSystem(), "");
-  EXPECT_EQ(GetGatewayInDirectory("C:\\IN"), "C:\\IN");
-  EXPECT_EQ(GetGatewayOutDirectory("C:\\OUT"), "C:\\OUT");
-  EXPECT_EQ(GetCoverDirectory(), "");
-  EXPECT_EQ(GetVoicemailDirectory(), "");
-  EXPECT_EQ(GetInternationalPrefix("00"), "00");
-  EXPECT_EQ(GetCountryCode("49"), "49");
-  EXPECT_EQ(GetAreaCode("89"), "89");
-  EXPECT_EQ(GetJfaxDomain(), kDefaultJfaxDomain);
-  EXPECT_EQ(GetJfaxDial(3, "none"), "none");
+  for (const auto &setting : settings)
+    EXPECT_EQ(setting.read(), setting.fallback) << setting.key;
   EXPECT_FALSE(GetDebugScheduling());
   EXPECT_FALSE(Exists(ProductDir() + "/tqvconfg.ini"));
-}
 
-struct TextSetting {
-  const char *section;
-  const char *key;
-  std::size_t limit;
-  std::function<std::string()> read;
-};
-
-TEST_F(SettingsFiles, LongValuesAreCutToTheirLimit) {
-  Install(ProductDir());
-  const TextSetting settings[] = {
-      {"Misc", "MailSystem", 254, [] { return GetMailSystem(); }},
-      {"Misc", "Language", 46, [] { return GetLanguage(); }},
-      {"Directories", "GatewayIn", 259, [] { return GetGatewayInDirectory(""); }},
-      {"Directories", "GatewayOut", 259, [] { return GetGatewayOutDirectory(""); }},
-      {"Directories", "CoverDir", 259, [] { return GetCoverDirectory(); }},
-      {"Directories", "Voicemail", 259, [] { return GetVoicemailDirectory(); }},
-      {"Phone Properties", "InternationalPrefix", 19, [] { return GetInternationalPrefix(""); }},
-      {"Phone Properties", "CountryCode", 19, [] { return GetCountryCode(""); }},
-      {"Phone Properties", "AreaCode", 19, [] { return GetAreaCode(""); }},
-      {"JFAX Dial", "Domain", 255, [] { return GetJfaxDomain(); }},
-      {"JFAX Dial", "Dial19", 94, [] { return GetJfaxDial(19, ""); }},
-  };
   const std::string longValue(400, 'x');
-  for (const TextSetting &setting : settings) {
+  for (const auto &setting : settings) {
     SetConfig(setting.section, setting.key, longValue);
     EXPECT_EQ(setting.read(), longValue.substr(0, setting.limit)) << setting.key;
   }
-
-  platform::ProfileWriteString("Corvanta", "Directory", longValue, MachineFile());
+  Install(longValue);
   EXPECT_EQ(GetProductDirectory(), longValue.substr(0, 259));
 }
 
@@ -223,10 +155,11 @@ TEST_F(SettingsFiles, LanguageIsWrittenBackAsRead) {
   Install(ProductDir());
   EXPECT_EQ(GetLanguage(), "");
   EXPECT_EQ(ConfigValue("Misc", "Language"), "");
-
   SetConfig("Misc", "Language", "German");
   EXPECT_EQ(GetLanguage(), "German");
   EXPECT_EQ(ConfigValue("Misc", "Language"), "German");
+  SetConfig("Misc", "Language", std::string(60, 'g'));
+  EXPECT_EQ(GetLanguage(), std::string(46, 'g'));
 }
 
 TEST_F(SettingsFiles, DialKeyIsTheMagnitudeOfTheIndex) {
@@ -234,50 +167,29 @@ TEST_F(SettingsFiles, DialKeyIsTheMagnitudeOfTheIndex) {
   SetConfig("JFAX Dial", "Dial0", "0044*");
   SetConfig("JFAX Dial", "Dial12", "001*");
   SetConfig("JFAX Dial", "Dial2147483648", "edge");
-  const struct {
-    std::int32_t index;
-    const char *expected;
-  } cases[] = {
-      {0, "0044*"},
-      {12, "001*"},
-      {-12, "001*"},
-      {13, "default"},
-      {std::numeric_limits<std::int32_t>::min(), "edge"},
-  };
-  for (const auto &c : cases) {
-    EXPECT_EQ(GetJfaxDial(c.index, "default"), c.expected) << c.index;
-  }
+  const std::pair<std::int32_t, const char *> cases[] = {
+      {0, "0044*"}, {-12, "001*"}, {13, "default"}, {std::numeric_limits<std::int32_t>::min(), "edge"}};
+  for (const auto &[index, expected] : cases)
+    EXPECT_EQ(GetJfaxDial(index, "default"), expected) << index;
 }
 
 TEST_F(SettingsFiles, IntranetCharactersTakeTheFirstAndWriteTheValueBack) {
   Install(ProductDir());
-  const struct {
-    const char *key;
-    std::function<char()> read;
-    char defaultCharacter;
-  } settings[] = {
-      {"SpacePlaceholder", [] { return GetSpacePlaceholder(); }, '_'},
-      {"NameCompanyFaxSeparator", [] { return GetNameCompanyFaxSeparator(); }, '.'},
-  };
-  const struct {
-    std::optional<std::string> stored;
-    std::optional<char> expected;        // nullopt: the default
-    std::optional<std::string> written;  // nullopt: the default as text
-  } values[] = {
+  // Stored value (none: key missing), the character read (none: the default), the value written back.
+  const std::tuple<std::optional<std::string>, std::optional<char>, std::optional<std::string>> values[] = {
       {std::nullopt, std::nullopt, std::nullopt},
       {"-+", '-', "-+"},
-      // Present but empty: no character at all, and it stays empty.
-      {"", '\0', ""},
+      {"", '\0', ""},  // present but empty: no character at all, and it stays empty
       {"#abcdefgh", '#', "#abcde"},
   };
-  for (const auto &setting : settings) {
-    for (const auto &value : values) {
-      const std::string label = std::string(setting.key) + "=" + value.stored.value_or("(missing)");
-      SetConfig("Intranet", setting.key, value.stored);
-      const char expected = value.expected.value_or(setting.defaultCharacter);
-      EXPECT_EQ(setting.read(), expected) << label;
-      EXPECT_EQ(ConfigValue("Intranet", setting.key), value.written.value_or(std::string(1, expected)))
-          << label;
+  for (const auto &[key, read, defaultCharacter] :
+       {std::tuple{"SpacePlaceholder", &GetSpacePlaceholder, '_'},
+        std::tuple{"NameCompanyFaxSeparator", &GetNameCompanyFaxSeparator, '.'}}) {
+    for (const auto &[stored, character, written] : values) {
+      SetConfig("Intranet", key, stored);
+      const char expected = character.value_or(defaultCharacter);
+      EXPECT_EQ(read(), expected) << key << "=" << stored.value_or("(missing)");
+      EXPECT_EQ(ConfigValue("Intranet", key), written.value_or(std::string(1, expected))) << key;
     }
   }
 }
