@@ -65,15 +65,6 @@ std::string Conversions(std::string_view format) {
 
 using ShippedStringFile = testing::TempDirTest;
 
-TEST(FormatConversions, ReduceToWhatTakesAValue) {
-  const std::pair<const char *, const char *> cases[] = {
-      {"plain", ""},        {"%d of %d", "%d%d"}, {"100%% done", ""},  {"'%-.100s'", "%s"},
-      {"%ld bytes", "%ld"}, {"%*d", "%*%d"},      {"ends in %", "%?"}, {"%5.2f%s", "%f%s"},
-  };
-  for (const auto &[format, expected] : cases)
-    EXPECT_EQ(Conversions(format), expected) << format;
-}
-
 TEST_F(ShippedStringFile, HoldsEveryTextWithTheValuesItsCallerPassesInEnglishAndGerman) {
   ResetMessageStringsForTesting();
   for (const auto &[section, language] :

@@ -1,4 +1,4 @@
-// The walks over the administration database: users, and routing entries inside a user walk.
+// The walks over the administration database: users and routing entries.
 #include "config/user_list.h"
 
 #include <string>
@@ -40,17 +40,6 @@ TEST_F(UserList, UsersAreTheKeysOfRecipientListInFileOrder) {
   EXPECT_EQ(GetUserFullName("nobody@x", 95), "nobody@x");
 }
 
-TEST_F(UserList, CursorStaysAtTheEndAndKeepsItsNamesUntilTheNextFirstUser) {
-  WriteDatabase("[Recipient List]\na=A\nb=B\n");
-  EXPECT_EQ(NextUser(), std::nullopt);
-  EXPECT_EQ(FirstUser(), "a");
-  WriteDatabase("[Recipient List]\nc=C\n");
-  EXPECT_EQ(NextUser(), "b");
-  EXPECT_EQ(NextUser(), std::nullopt);
-  EXPECT_EQ(NextUser(), std::nullopt);
-  EXPECT_EQ(FirstUser(), "c");
-}
-
 TEST_F(UserList, NamesBeyondTheListBufferAreNotSeen) {
   // 2000 names of 9 characters need 20000 bytes; the buffer keeps 16378 of them.
   std::string lines = "[Recipient List]\n";
@@ -66,7 +55,7 @@ TEST_F(UserList, NamesBeyondTheListBufferAreNotSeen) {
 TEST_F(UserList, EachRouteKindIsItsOwnListEndedByAGapOrAnEntryWithoutComma) {
   WriteDatabase(
       "[Recipient List]\njoe=Joe\nann=Ann\n"
-      "[Routing]\nDTMF_00000=joe,21\nDTMF_00001=ann,22\n"
+      "[Routing]\n"
       "csid_00000=joe,+49 89 1234\nCSID_00001=no comma\nCSID_00002=ann,+1 555\n"
       "OCRGR_00001=joe,Invoices\nOCRKW_00000=ann,order, delivery\nOCRKW_00001=\nOCRKW_00002=joe,late\n"
       "UNKNOWNROUTEITEM00000=bob,odd\n");
@@ -75,13 +64,6 @@ TEST_F(UserList, EachRouteKindIsItsOwnListEndedByAGapOrAnEntryWithoutComma) {
   EXPECT_EQ(Walk(RouteKind::OcrKeyword), std::pair(Entries{"ann|order, delivery"}, 0));
   EXPECT_EQ(Walk(static_cast<RouteKind>(7)), std::pair(Entries{"bob|odd"}, 0));
   EXPECT_EQ(Walk(RouteKind::Csid, 4), std::pair(Entries{"joe|+49"}, -1));
-  // A route walk inside a user walk leaves the user cursor alone.
-  Entries seen;
-  for (std::optional<std::string> user = FirstUser(); user; user = NextUser()) {
-    for (const std::string &route : Walk(RouteKind::Dtmf).first)
-      if (route.starts_with(*user + "|")) seen.push_back(route);
-  }
-  EXPECT_EQ(seen, (Entries{"joe|21", "ann|22"}));
 }
 
 TEST_F(UserList, CsidRouteGoesToTheFirstFreeIndexUnlessPresentInAnyCase) {

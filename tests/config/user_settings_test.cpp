@@ -26,11 +26,8 @@ TEST_F(UserSettings, BlockPatternDigitsMustBeginTheNumberDigits) {
   const std::tuple<const char *, const char *, bool> cases[] = {
       {"0049", "(0049) 30-5", true},
       {"0049", "049 89 1234", false},
-      {"0049", "004", false},
       {"0049", "+49 89", false},
       {"+", "", true},
-      {"(0190) *", "0190-1", true},
-      {"0190", "0180 90", false},
   };
   for (const auto &[pattern, number, blocked] : cases) {
     WriteDatabase(std::string("[Recipients Properties]\njoe=64\n[joe]\nB_00000=") + pattern + "\n");
@@ -41,7 +38,9 @@ TEST_F(UserSettings, BlockPatternDigitsMustBeginTheNumberDigits) {
 TEST_F(UserSettings, AnyBlockPatternBeforeAGapBlocksOnlyWithTheProperty) {
   const std::pair<const char *, bool> cases[] = {
       {"", false},  // the default properties lack BlockNumbers
-      {"joe=7424", false}, {"joe=65", true}, {"joe=-1", true}, {"joe=junk", false},
+      {"joe=7424", false},
+      {"joe=65", true},
+      {"joe=junk", false},
   };
   for (const auto &[properties, blocked] : cases) {
     WriteDatabase(std::string("[Recipients Properties]\n") + properties +
@@ -65,7 +64,6 @@ TEST_F(UserSettings, VoicemailBoxAndText) {
       {"12345|Five digits", std::pair{"1234", "Five digits"}},
       {"||7||text|more", std::pair{"7", "text"}},
       {"1|" + std::string(600, 't'), std::pair{"1", std::string(46, 't')}},
-      {"|||", std::nullopt},
       {"", std::nullopt},
   };
   for (const auto &[value, expected] : cases) {
