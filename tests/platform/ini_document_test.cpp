@@ -26,12 +26,10 @@ TEST(IniDocument, ReadsValuesByTheLineRules) {
       {"[s]\nk=a=b\n", "s", "k", "a=b"},
       {"[s]\nk=first\nK=second\n", "s", "k", "first"},
       {"[s]\nk=first\n[S]\nk=second\nx=only in the duplicate\n", "s", "x", std::nullopt},
-      {"k=before any section\n[s]\n", "", "k", std::nullopt},
       {"[]\nk=empty section name\n", "", "k", "empty section name"},
       {"[s]\n;k=comment\n  ; k=comment\n", "s", "k", std::nullopt},
       {"[s]\n=no key\n  = v\n", "s", "", std::nullopt},
       {"[s]\n\0k=v\n"s, "s", "k", std::nullopt},
-      {"[s]\rk=v\n", "s", "k", std::nullopt},
   };
   for (const ReadCase &c : cases) {
     const IniDocument document(c.text);

@@ -61,7 +61,6 @@ TEST_F(Profile, ReadStringCutsToTheBuffer) {
   }
   EXPECT_EQ(ProfileReadString(std::nullopt, std::nullopt, "", 99, keys), "s\0t\0"s);
   EXPECT_EQ(ProfileReadString(std::nullopt, "ab", "", 3, keys), "s");
-  EXPECT_EQ(ProfileReadString("missing", std::nullopt, "default", 99, path), "");
 }
 
 TEST_F(Profile, MissingFilesKeysAndEmptyValues) {
