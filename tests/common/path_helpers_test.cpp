@@ -32,7 +32,6 @@ TEST_F(PathHelpers, ExistenceAndSizeChecks) {
   EXPECT_FALSE(FileExists(PathOf("MISSING.TQV")));
   EXPECT_FALSE(FileExists(PathOf("JOB.TQV") + "\\"));
 
-  EXPECT_TRUE(DirectoryExists(Dir()));
   EXPECT_TRUE(DirectoryExists(Dir() + "\\"));
   EXPECT_FALSE(DirectoryExists(PathOf("JOB.TQV")));
   EXPECT_EQ(GetFileSizeOf(PathOf("JOB.TQV")), 1);

@@ -59,19 +59,15 @@ TEST_F(FileTest, ExclusiveOpenIsRefusedWhileAnotherProcessHoldsTheFile) {
     EXPECT_EQ(ReadFile(path), "still being written");
   }
   EXPECT_TRUE(File::OpenExclusive(path));
+  // Once free, creating new fails on the existing file and creating always empties it.
+  EXPECT_FALSE(File::Open(path, FileAccess::Write, FileSharing::None, FileCreation::CreateNew));
+  EXPECT_TRUE(File::CreateExclusive(path)->Write("new"));
+  EXPECT_EQ(ReadFile(path), "new");
 
   // Shared opens coexist across processes but still keep an exclusive one out.
   ChildHolder child([&] { return File::OpenShared(path); });
   EXPECT_TRUE(File::OpenShared(path));
   EXPECT_FALSE(File::OpenExclusive(path));
-}
-
-TEST_F(FileTest, CreationModes) {
-  const std::string path = PathOf("a.bin");
-  WriteFile(path, "old contents");
-  EXPECT_FALSE(File::Open(path, FileAccess::Write, FileSharing::None, FileCreation::CreateNew));
-  EXPECT_TRUE(File::CreateExclusive(path)->Write("new"));
-  EXPECT_EQ(ReadFile(path), "new");
 }
 
 }  // namespace

@@ -38,7 +38,6 @@ TEST_F(Profile, WritesKeepOtherLinesAndReadBack) {
             "[Other]\r\nx=1\r\n\r\n[New Section]\r\nkey= spaced \r\n");
 
   EXPECT_EQ(ReadString("Users", "alice", path), "8000");
-  EXPECT_EQ(ReadString("Users", "carol", path), "quoted");
   EXPECT_EQ(ProfileReadInt("Users", "ALICE", 0, path), 8000);
 }
 
@@ -165,8 +164,6 @@ TEST_F(Profile, RepeatedReadsTouchNoFileButChangesAreSeen) {
   SetModifiedTime(replacement, 1000000001);
   ASSERT_EQ(rename(replacement.c_str(), path.c_str()), 0);
   EXPECT_EQ(ReadString("s", "k", path), "rep");
-  EXPECT_TRUE(ProfileWriteString("s", "k", "written", path));
-  EXPECT_EQ(ReadString("s", "k", path), "written") << "our own write is seen at once";
 }
 
 TEST_F(RegionalSettings, ReadsIntlOfWinIni) {
