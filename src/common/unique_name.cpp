@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <cstdio>
+#include <unordered_map>
 
 #include "common/path_helpers.h"
 #include "common/text_limits.h"
@@ -51,13 +52,26 @@ std::string NumberedBaseName(std::string baseName, const std::string &digits) {
   return baseName + digits;
 }
 
+// Where the last walk past taken names ended, per directory and extension. Only a hint: the
+// name found there is checked again before it is handed out.
+struct ProbeState {
+  std::uint32_t start = 0;  // the clock value the walk began at
+  std::uint32_t free = 0;   // the first number found free
+};
+
+std::unordered_map<std::string, ProbeState> &ProbeStates() {
+  static std::unordered_map<std::string, ProbeState> states;
+  // Directories come and go in a long-running host; a stale hint costs one extra walk.
+  if (states.size() > 64) states.clear();
+  return states;
+}
+
 }  // namespace
 
 std::string MakeUniqueName(std::string_view directory, std::string_view extension) {
   // The clock as a 32-bit number: the name has room for eight hexadecimal digits only.
-  auto number = static_cast<std::uint32_t>(platform::CurrentTime());
-  std::string previous;
-  while (true) {
+  const auto start = static_cast<std::uint32_t>(platform::CurrentTime());
+  const auto nameFor = [&](std::uint32_t number) {
     std::string name(directory);
     AppendBackslash(name);
     char digits[9];
@@ -67,12 +81,33 @@ std::string MakeUniqueName(std::string_view directory, std::string_view extensio
       if (extension.front() != '.') name.push_back('.');
       name += extension;
     }
-    CutText(name, kMaxPath);
+    return CutText(name, kMaxPath);
+  };
+
+  std::string name = nameFor(start);
+  if (!FileExists(name)) return name;
+
+  // Thousands of names taken in one second (a message to many recipients) would make each probe
+  // walk past all the earlier ones; continue from where the last walk from this start ended.
+  std::string key(directory);
+  key.push_back('|');
+  key += extension;
+  ProbeState &probe = ProbeStates()[key];
+  std::uint32_t number = (probe.start == start && probe.free != start) ? probe.free : start + 1;
+  std::string previous = std::move(name);
+  while (true) {
+    name = nameFor(number);
     // The same name twice means the cut took every digit: no other name can come.
-    if (name == previous || !FileExists(name)) return name;
+    if (name == previous || !FileExists(name)) break;
     previous = std::move(name);
     ++number;
   }
+  probe = {start, number};
+  return name;
+}
+
+void ResetUniqueNamesForTesting() {
+  ProbeStates().clear();
 }
 
 std::string MakeUniqueVariant(std::string_view wantedPath) {

@@ -10,7 +10,13 @@ namespace tqv {
 // directory\XXXXXXXX.ext with eight upper-case hexadecimal digits counted up from the current
 // time until no such file exists. A "." is put before the extension unless it has one; an empty
 // extension gives a name without a dot. Cut to kMaxPath.
+// A walk past taken names in the same second continues where the previous one ended, so naming
+// thousands of files in one second stays linear; names freed behind that point are not reused
+// until the clock moves on.
 std::string MakeUniqueName(std::string_view directory, std::string_view extension);
+
+// Forgets where earlier walks ended.
+void ResetUniqueNamesForTesting();
 
 // The wanted path itself when no such file exists, else the first free numbered variant,
 // keeping the base name within eight characters where it can (REPORT.DOC -> REPORT1.DOC,

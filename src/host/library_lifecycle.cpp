@@ -2,6 +2,7 @@
 #include <optional>
 #include <string>
 
+#include "common/unique_name.h"
 #include "config/admin_database.h"
 #include "config/message_strings.h"
 #include "config/service_state.h"
@@ -38,6 +39,7 @@ void ResetLibraryStateForTesting() {
   ResetAdminDatabaseForTesting();
   ResetPendingQueueForTesting();
   ResetScanLoopForTesting();
+  ResetUniqueNamesForTesting();
 }
 
 }  // namespace tqv::host

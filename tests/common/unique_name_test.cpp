@@ -33,6 +33,20 @@ TEST_F(UniqueName, NameIsTheClockInHexCountingUpPastExistingNames) {
   EXPECT_EQ(MakeUniqueName(Dir(), "TQV"), Dir() + "\\00000000.TQV");
 }
 
+TEST_F(UniqueName, ContinuedWalkStillChecksEveryName) {
+  PinClock(0x100);
+  for (const char *name : {"00000100.TQV", "00000101.TQV"})
+    WriteFile(PathOf(name), "");
+  EXPECT_EQ(MakeUniqueName(Dir(), "TQV"), Dir() + "\\00000102.TQV");
+  // Taken behind the caller's back since the last walk.
+  for (const char *name : {"00000102.TQV", "00000103.TQV"})
+    WriteFile(PathOf(name), "");
+  EXPECT_EQ(MakeUniqueName(Dir(), "TQV"), Dir() + "\\00000104.TQV");
+  // A free clock name is always the answer, whatever earlier walks found.
+  std::filesystem::remove(PathOf("00000100.TQV"));
+  EXPECT_EQ(MakeUniqueName(Dir(), "TQV"), Dir() + "\\00000100.TQV");
+}
+
 TEST_F(UniqueName, VariantsFollowTheShortNameSequences) {
   struct Sequence {
     std::string wanted;
