@@ -1,0 +1,23 @@
+// Extensions for the files the system names itself: the text after the last "." of a path, or
+// "FAX" when there is none. Names from a message are untrusted: their extension must never carry
+// a file out of the directory it is meant for.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace tqv {
+
+// The extension given to a document whose name has no ".".
+inline constexpr std::string_view kDefaultExtension = "FAX";
+
+// The text after the last "." of `name`, or "FAX" when it has none (an empty text after a final
+// "." stays empty).
+std::string ExtensionOf(std::string_view name);
+
+// As ExtensionOf, but "FAX" whenever that text holds a path separator, a drive colon, a control
+// character or any other character a Windows file name cannot hold, so a name made from it always
+// lies in the directory it was made for.
+std::string SafeExtensionOf(std::string_view untrustedName);
+
+}  // namespace tqv
