@@ -52,7 +52,9 @@ std::string GetAreaCode(std::string_view defaultValue);
 
 // [JFAX Dial]: Domain (255), and the patterns Dial0 to Dial19 (94); the key of an index is
 // "Dial" and the digits of its absolute value.
-inline constexpr const char *kDefaultJfaxDomain = "jfax.com";
+// The default is a reserved name that delivers nowhere: each installation sets the domain of its
+// JFAX service.
+inline constexpr const char *kDefaultJfaxDomain = "jfax.invalid";
 std::string GetJfaxDomain();
 std::string GetJfaxDial(std::int32_t index, std::string_view defaultValue);
 

@@ -13,6 +13,7 @@
 #include "diag/check_assertion.h"
 #include "diag/log_message.h"
 #include "host/entry_points.h"
+#include "outgoing/dial_strings.h"
 #include "platform/event_log.h"
 
 namespace tqv::host {
@@ -143,9 +144,13 @@ int Initialise(std::int32_t textFileFlag, const char *textFileDir) {
     return kFailed;
   }
 
+  // The dial rules compare digits only, so "+49" or "(089)" in the settings read as 49 and 089.
   service.internationalPrefix = GetInternationalPrefix("");
+  DigitsOnly(service.internationalPrefix);
   service.countryCode = GetCountryCode("");
+  DigitsOnly(service.countryCode);
   service.areaCode = GetAreaCode("");
+  DigitsOnly(service.areaCode);
   return 0;
 }
 
