@@ -1,0 +1,84 @@
+#include "reports/admin_listing.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <string>
+
+#include "reports/report_fixture.h"
+
+namespace tqv {
+namespace {
+
+class AdminListing : public testing::ReportTest {
+ protected:
+  void WriteDatabase(const std::string &lines) const { WriteFile(ProductDir() + "/tqvadmin.ini", lines); }
+};
+
+TEST_F(AdminListing, ListsSavedFilesWithSizesDefaultsResolutionAndHeader) {
+  WriteFile(PathOf("letter.rtf"), std::string(512, 'l'));
+  WriteFile(PathOf("scan.tif"), "II*");
+  WriteDatabase(
+      "[Recipients Properties]\r\nann=16\r\n[FaxHeaders]\r\nann=From Ann\r\n[ann]\r\nC_00000=Letter," +
+      PathOf("letter.rtf") + "\r\nC_00001=Gone," + PathOf("gone.rtf") +
+      "\r\nDefaultCover=letter\r\nA_00000=Scan," + PathOf("scan.tif") +
+      "\r\nA_00001=Broken\r\nA_00002=After," + PathOf("scan.tif") + "\r\n");
+  // Templates: none. Attachments: the list ends at the entry without a comma.
+  // Names stand in 30 columns and two spaces; resolution in 15, header in 50, each with two more.
+  const auto spaces = [](std::size_t count) { return std::string(count, ' '); };
+  EXPECT_EQ(FormatAdminListing("ann", "Unknown command"),
+            "###ERROR: Unknown command\r\n\r\n"
+            "Covers:\r\n"
+            "    Letter" +
+                spaces(26) +
+                "512 bytes\r\n"
+                "    Gone" +
+                spaces(28) +
+                "(missing)\r\n"
+                "\r\nDefault cover:\r\n"
+                "    letter" +
+                spaces(26) +
+                "512 bytes\r\n"
+                "\r\n\r\nTemplates:\r\n"
+                "\r\nDefault template:\r\n"
+                "\r\n\r\nAttachments:\r\n"
+                "    Scan" +
+                spaces(28) +
+                "3 bytes\r\n"
+                "\r\n\r\nResolution:\r\n"
+                "    Fine" +
+                spaces(13) +
+                "\r\n\r\n"
+                "Header:\r\n"
+                "    From Ann" +
+                spaces(44) +
+                "\r\n"
+                "\r\n");
+
+  WriteDatabase("[Recipients Properties]\r\nbob=1\r\n");
+  EXPECT_EQ(FormatAdminListing("bob", ""),
+            "Covers:\r\n\r\nDefault cover:\r\n\r\n\r\nTemplates:\r\n\r\nDefault template:\r\n"
+            "\r\n\r\nAttachments:\r\n\r\n\r\nResolution:\r\n    Standard" +
+                spaces(9) + "\r\n\r\nHeader:\r\n\r\n");
+}
+
+// Entry lines stop once the text reaches the mark; the sections after the list still follow.
+TEST_F(AdminListing, LongListsStopAtTheMarkAndTheListingStaysInItsBuffer) {
+  std::string lines = "[ann]\r\n";
+  for (int i = 0; i < 200; ++i) {
+    char key[16];
+    std::snprintf(key, sizeof key, "A_%05d", i);
+    lines += std::string(key) + "=" + std::string(40, 'n') + "," + PathOf("none") + "\r\n";
+  }
+  WriteDatabase(lines);
+  const std::string listing = FormatAdminListing("ann", std::string(600, 'e'));
+  EXPECT_LE(listing.size(), kAdminListingSize - 1);
+  const std::size_t resolution = listing.find("\r\n\r\nResolution:\r\n");
+  ASSERT_NE(resolution, std::string::npos);
+  EXPECT_GE(resolution, kAdminListingFullMark);
+  EXPECT_LT(resolution - listing.rfind("(missing)\r\n", resolution), 20u) << "no half entries";
+  EXPECT_TRUE(listing.ends_with("Header:\r\n\r\n"));
+}
+
+}  // namespace
+}  // namespace tqv

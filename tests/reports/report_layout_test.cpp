@@ -1,0 +1,135 @@
+#include "reports/report_layout.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <array>
+#include <climits>
+#include <string>
+
+#include "reports/report_fixture.h"
+
+namespace tqv {
+namespace {
+
+const std::string kBanner = std::string(57, '*') + "\r\n";
+
+using ReportLayout = testing::ReportTest;
+
+TEST_F(ReportLayout, CodesOutsideTheirTablesShowQuestionMarks) {
+  EXPECT_EQ(StatusText(6), "Refused");
+  EXPECT_EQ(StatusText(7), "?????");
+  EXPECT_EQ(StatusText(0xFFFFFFFFu), "?????");
+  EXPECT_EQ(SpeedText(5), "14400 bps");
+  EXPECT_EQ(SpeedText(-1), "?????");
+  EXPECT_EQ(DurationText(3600), "60:00");
+  EXPECT_EQ(DurationText(INT_MIN), "-35791394:-8");
+}
+
+// Speed, duration and resolution are shown only after a connection (SpeedCode above 0). Label 630
+// has 25 characters and shows 20; label 627 has 3 and is padded to 20.
+TEST_F(ReportLayout, SentReportShowsConnectionValuesOnlyForPositiveSpeedCodes) {
+  const struct {
+    std::int32_t speedCode;
+    std::uint32_t status;
+    std::string statusText, speed, duration, resolution;
+  } cases[] = {
+      {0, 2, "Delivered", " ", " ", " "},
+      {3, 2, "Delivered", "9600 bps", "02:05", "Fine"},
+      {9, 7, "?????", "?????", "02:05", "Fine"},
+  };
+  for (const auto &c : cases) {
+    JobRecord job = JobRecord::WithTag(kFaxJobTag);
+    JobRecordView view = job.View();
+    view.SetText(job::FaxNumber, "089 123");
+    view.SetNumber(job::Status, c.status);
+    view.SetText(job::StatusInfo, "All pages sent");
+    view.SetText(job::RemoteId, "+49 89 1");
+    view.SetNumber(job::SpeedCode, c.speedCode);
+    view.SetNumber(job::NumRetries, 1u);
+    view.SetNumber(job::CallDuration, 125);
+    view.SetNumber(job::PagesTransferred, 2u);
+    view.SetNumber(job::TotalPages, 3u);
+    view.SetNumber(job::FineResolution, 1u);
+    EXPECT_EQ(FormatSentReport(view), kBanner + "Fax Report\r\n" + kBanner +
+                                          "Fax number          : 089 123\r\n"
+                                          "Status              : " +
+                                          c.statusText +
+                                          "\r\n"
+                                          "Date                : 05/03/2003  2:05:09 PM\r\n"
+                                          "Result              : All pages sent\r\n"
+                                          "Remote station ident: +49 89 1\r\n"
+                                          "Speed               : " +
+                                          c.speed +
+                                          "\r\n"
+                                          "Retries             : 1\r\n"
+                                          "Duration            : " +
+                                          c.duration +
+                                          "\r\n"
+                                          "Pages               : 2 of 3\r\n"
+                                          "Res                 : " +
+                                          c.resolution + "\r\n" + kBanner + "\r\n");
+  }
+}
+
+TEST_F(ReportLayout, ReceivedAndVoicemailReportsHaveTheirOwnLines) {
+  std::array<unsigned char, kReceiveTouchedSize> record{};
+  ReceiveRecordView receive(record.data());
+  receive.SetText(receive::RemoteId, "STATION");
+  receive.SetNumber(receive::Result, kResultReceived);
+  receive.SetNumber(receive::PagesReceived, 4u);
+  EXPECT_EQ(FormatReceivedReport(receive), kBanner + "Fax Report\r\n" + kBanner +
+                                               "Status              : Received\r\n"
+                                               "Date                : 05/03/2003  2:05:09 PM\r\n"
+                                               "Result              : \r\n"
+                                               "Remote station ident: STATION\r\n"
+                                               "Speed               :  \r\n"
+                                               "Call length         :  \r\n"
+                                               "Pages received      : 4\r\n"
+                                               "Res                 :  \r\n" +
+                                               kBanner + "\r\n");
+  // A recording of 0 seconds is still announced with its duration.
+  EXPECT_EQ(FormatVoicemailReport(12, 5, 0, 16000, ""), kBanner + "Voicemail\r\n" + kBanner +
+                                                            "Message             : 5\r\n"
+                                                            "Date                : 05/03/2003  2:05:09 PM\r\n"
+                                                            "Length              : 00:00\r\n"
+                                                            "Size                : 16000 bytes\r\n"
+                                                            "Digits              : \r\n"
+                                                            "Box                 : 12\r\n" +
+                                                            kBanner + "\r\n");
+}
+
+// Text 631 comes from an editable file: only integer conversions take the two numbers.
+TEST_F(ReportLayout, PagesFormatTakesOnlyItsTwoNumbers) {
+  const struct {
+    const char *format, *shown;
+  } cases[] = {{"%s %d", "%s 2"}, {"%d%% %5d %d", "2%     3 %d"}, {"%ld/%n", "2/%n"}, {"%999d%", "%999d%"}};
+  JobRecord job = JobRecord::WithTag(kFaxJobTag);
+  job.View().SetNumber(job::PagesTransferred, 2u);
+  job.View().SetNumber(job::TotalPages, 3u);
+  for (const auto &c : cases) {
+    WriteFile(ProductDir() + "/tqstring.ini",
+              "[English]\r\nT626=Pages\r\nT631=" + std::string(c.format) + "\r\n");
+    EXPECT_NE(FormatSentReport(job.View()).find("Pages               : " + std::string(c.shown) + "\r\n"),
+              std::string::npos)
+        << c.format;
+  }
+}
+
+TEST_F(ReportLayout, GarbageRecordsAndLongTextsStayWithinTheBodyRoom) {
+  JobRecord job = JobRecord::WithTag(kFaxJobTag);
+  std::fill_n(job.View().Bytes(), kJobRecordSize, 'x');
+  job.View().SetNumber(job::Status, kStatusDelivered);
+  EXPECT_NE(FormatSentReport(job.View()).find(": " + std::string(96, 'x') + "\r\n"), std::string::npos)
+      << "a text without its NUL ends with its field";
+
+  WriteFile(ProductDir() + "/tqstring.ini", "[English]\r\nT642=" + std::string(510, 's') +
+                                                "\r\nT631=" + std::string(510, 'p') +
+                                                "\r\nT620=" + std::string(254, 't') + "\r\n");
+  const std::string report = FormatSentReport(job.View());
+  EXPECT_EQ(report.size(), kReportBodyRoom);
+  EXPECT_TRUE(report.ends_with("ppp"));
+}
+
+}  // namespace
+}  // namespace tqv
