@@ -1,6 +1,6 @@
 // Jobs crossing to the host and back: storing a job the host returns, deleting the job file of a
-// job the host has taken, and removing the documents of a finished job. Failed deletions are not
-// reported: the documents are the job's own copies and nothing else refers to them.
+// job the host has taken, and reporting, logging and cleaning up a finished job. Reports and logs
+// fail silently; a finished job's documents are deleted whatever happened before.
 #include <optional>
 
 #include "common/job_record.h"
@@ -10,24 +10,13 @@
 #include "config/service_state.h"
 #include "config/user_properties.h"
 #include "host/entry_points.h"
+#include "host/job_documents.h"
 #include "platform/file_system.h"
+#include "reports/delivery_reports.h"
+#include "reports/send_log.h"
+#include "reports/text_job_files.h"
 
 namespace tqv::host {
-
-namespace {
-
-void DeleteIfPresent(const std::string &path) {
-  if (!path.empty() && FileExists(path)) platform::RemoveFile(path);
-}
-
-// The job's message text and its documents, each its own copy in the pending directory.
-void DeleteJobDocuments(const JobRecordView &job) {
-  DeleteIfPresent(job.Text(job::MessageTextFile));
-  for (int i = 0; i < job.UsableFileCount(); ++i)
-    DeleteIfPresent(job.Text(job::File(i)));
-}
-
-}  // namespace
 
 int FaxPending(void *jobBuffer) {
   if (jobBuffer == nullptr || CurrentService().pendingDirectory.empty()) return -1;
@@ -48,6 +37,11 @@ int ScannedEventAccepted(void *jobBuffer) {
 int FaxSent(void *jobBuffer) {
   if (jobBuffer == nullptr) return 0;
   const JobRecordView job(jobBuffer);
+  // The report reads the message text and attaches the documents, so it comes before the clean-up.
+  if (job.IsTextFileJob())
+    WriteTextJobResult(job);
+  else
+    WriteDeliveryReport(job);
   // Faxes from the station just reached are routed to this sender from now on, also after a
   // failed attempt.
   const std::string sender = job.Text(job::SenderEmail);
@@ -55,14 +49,20 @@ int FaxSent(void *jobBuffer) {
   if (!sender.empty() && !remoteId.empty() &&
       HasProperty(GetUserProperties(sender), UserProperty::LearnCsidRoute))
     AddCsidRoute(sender, remoteId);
+  AppendSendLog(job);
   DeleteJobDocuments(job);
   return 0;
 }
 
 int JfaxReady(void *jobBuffer) {
   if (jobBuffer == nullptr) return 0;
-  // The documents stay until they have been mailed to the JFAX service: deleting them first
-  // would lose the fax.
+  const JobRecordView job(jobBuffer);
+  // A JFAX job that the host refused goes back to its sender instead of to the JFAX service.
+  if (job.Number(job::Status) != kStatusRefused)
+    WriteJfaxMessage(job);
+  else
+    WriteDeliveryReport(job);
+  DeleteJobDocuments(job);
   return 0;
 }
 

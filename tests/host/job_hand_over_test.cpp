@@ -2,6 +2,8 @@
 
 #include <array>
 #include <filesystem>
+#include <string>
+#include <vector>
 
 #include "common/job_record.h"
 #include "common/receive_record.h"
@@ -21,6 +23,26 @@ class HandOver : public testing::InstallationTest {
     ASSERT_EQ(host::Initialise(0, ""), 0);
   }
   std::uint32_t tick = 1000;
+
+  // Names of the message files in the gateway-in directory.
+  std::vector<std::string> Messages() const {
+    std::vector<std::string> messages;
+    for (const auto &entry : std::filesystem::directory_iterator(GatewayIn()))
+      if (entry.is_regular_file()) messages.push_back(ReadFile(entry.path().string()));
+    return messages;
+  }
+  // A job of ann's with one document, stored as the pending job file `name`.
+  JobRecord StoreJob(const std::string &name, const std::string &faxNumber) const {
+    WriteFile(PathOf(name + ".tif"), "II*");
+    JobRecord job = JobRecord::WithTag(kFaxJobTag);
+    job.View().SetText(job::JobFile, PendingDir() + "\\" + name + ".TQV");
+    job.View().SetText(job::SenderEmail, "ann");
+    job.View().SetText(job::FaxNumber, faxNumber);
+    job.View().SetNumber(job::FileCount, 1);
+    job.View().SetText(job::File(0), PathOf(name + ".tif"));
+    EXPECT_TRUE(WriteJobFile(job.View().Text(job::JobFile), job));
+    return job;
+  }
 };
 
 TEST_F(HandOver, PendingJobComesBackFromScanAndIsTakenOver) {
@@ -95,6 +117,69 @@ TEST_F(HandOver, FinishedJobLosesItsOwnDocumentsOnly) {
   EXPECT_FALSE(Exists(PathOf("D1.PDF")));
   EXPECT_TRUE(Exists(PathOf("D2.FAX")));
   EXPECT_TRUE(Exists(PathOf("D3.FAX"))) << "beyond FileCount";
+}
+
+// The report is written while the documents still exist, so it can carry them; the log follows.
+TEST_F(HandOver, FinishedJobIsReportedAndLoggedBeforeItsDocumentsGo) {
+  WriteFile(ProductDir() + "/tqvadmin.ini", "[Recipients Properties]\r\nann=2048\r\n");  // AttachOnSuccess
+  JobRecord job = StoreJob("00000001", "0891");
+  job.View().SetNumber(job::Status, kStatusDelivered);
+  host::FaxSent(job.View().Bytes());
+  ASSERT_EQ(Messages().size(), 1u);
+  EXPECT_NE(Messages()[0].find("----beginattach:00000001.tif:3\r\nII*"), std::string::npos);
+  EXPECT_NE(ReadFile(ProductDir() + "/sendlog.txt").find("\"ann\""), std::string::npos);
+  EXPECT_FALSE(Exists(PathOf("00000001.tif")));
+
+  // A text-file job is answered beside its source file, not by mail.
+  job.View().SetText(job::SenderEmail, "TEXTFILE");
+  job.View().SetText(job::CustomString, PathOf("ORDER.TXT"));
+  host::FaxSent(job.View().Bytes());
+  EXPECT_EQ(Messages().size(), 1u);
+  EXPECT_TRUE(Exists(PathOf("ORDER.OK")));
+}
+
+TEST_F(HandOver, JfaxJobGoesToTheJfaxServiceUnlessRefusedAndIsNotLogged) {
+  for (std::uint32_t status : {0u, kStatusRefused}) {
+    JobRecord job = StoreJob("00000001", "0891@jfax.example");
+    job.View().SetNumber(job::Status, status);
+    host::JfaxReady(job.View().Bytes());
+    EXPECT_FALSE(Exists(PathOf("00000001.tif")));
+  }
+  std::string messages;
+  for (const std::string &message : Messages())
+    messages += message;
+  EXPECT_NE(messages.find("File Type:JFXTQVOUT\r\nMAIL FROM:ann\r\nRCPT TO:0891@jfax.example\r\n"),
+            std::string::npos);
+  EXPECT_NE(messages.find("File Type:\r\nMAIL FROM:\r\nRCPT TO:ann\r\n"), std::string::npos)
+      << "the refused job goes back to its sender";
+  EXPECT_FALSE(Exists(ProductDir() + "/sendlog.txt"));
+}
+
+// A blocked job never reaches the host: it is reported and removed, and the next job is handed over.
+TEST_F(HandOver, ScanRefusesBlockedJobsAndHandsOverTheNext) {
+  WriteFile(ProductDir() + "/tqstring.ini", "[English]\r\nT422=Number blocked\r\n");
+  WriteFile(ProductDir() + "/tqvadmin.ini", "[Recipients Properties]\r\nann=65\r\n[ann]\r\nB_00000=089\r\n");
+  const JobRecord open = StoreJob("00000001", "030 1234");
+  StoreJob("00000002", "089 1234");  // the queue offers the last due job first
+  std::array<unsigned char, kJobRecordSize> buffer{};
+  ASSERT_EQ(host::Scan(1, buffer.data()), 1);
+  EXPECT_EQ(JobRecordView(buffer.data()).Text(job::JobFile), open.View().Text(job::JobFile));
+  EXPECT_FALSE(Exists(PathOf("00000002.tif")) || Exists(PathOf("gw/out/PENDING/00000002.TQV")));
+  ASSERT_EQ(Messages().size(), 1u);
+  EXPECT_NE(Messages()[0].find("FAX-Status:6\r\nFAX-StatusInfo:Number blocked\r\n"), std::string::npos);
+
+  ASSERT_EQ(host::ScannedEventAccepted(buffer.data()), 1);
+  StoreJob("00000003", "0891");
+  EXPECT_EQ(host::Scan(1, buffer.data()), 0) << "only a blocked job left";
+  EXPECT_TRUE(std::filesystem::is_empty(PathOf("gw/out/PENDING")));
+
+  // A job file whose record names another path cannot be removed through it: refused once per call.
+  JobRecord stray = StoreJob("00000004", "0891");
+  stray.View().SetText(job::JobFile, PathOf("elsewhere.TQV"));
+  ASSERT_TRUE(WriteJobFile(PendingDir() + "\\00000004.TQV", stray));
+  EXPECT_EQ(host::Scan(1, buffer.data()), 0);
+  EXPECT_EQ(Messages().size(), 3u);
+  EXPECT_EQ(Events().size(), 1u);
 }
 
 TEST_F(HandOver, UsersAllowedToFaxAreCountedAndStationsLearned) {
