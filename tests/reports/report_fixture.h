@@ -27,6 +27,14 @@ inline constexpr std::string_view kReportStrings =
     "T674=Attachments:\r\nT675=Resolution:\r\nT676=Header:\r\nT900=\"OK: \"\r\nT901=\"FAILED: \"\r\n"
     "T902=to\r\nT1000=(missing)\r\n";
 
+// The text with every LF written as CR LF, so expected bodies can be raw string literals.
+inline std::string Crlf(std::string_view text) {
+  std::string result;
+  for (char c : text)
+    c == '\n' ? result += "\r\n" : result += c;
+  return result;
+}
+
 class ReportTest : public InstallationTest {
  protected:
   static constexpr std::int64_t kReportNow = 1046873109;
