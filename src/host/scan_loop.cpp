@@ -13,7 +13,9 @@
 #include "diag/log_message.h"
 #include "host/entry_points.h"
 #include "host/job_documents.h"
+#include "outgoing/message_conversion.h"
 #include "outgoing/pending_queue.h"
+#include "outgoing/scan_passes.h"
 #include "platform/clock.h"
 #include "platform/event_log.h"
 #include "reports/delivery_reports.h"
@@ -43,9 +45,10 @@ void RefuseBlockedJob(JobRecordView job) {
   DeleteIfPresent(job.Text(job::JobFile));
 }
 
-void RunConversionPasses(const ServiceState &) {
-  // The gateway-out, text-file and voicemail passes join here with their converters; a pass
-  // without a converter would delete files it never converted.
+void RunConversionPasses(const ServiceState &service) {
+  RunGatewayOutPass(service.gatewayOutDirectory, [](const std::string &path) { ConvertMessage(path); });
+  // The text-file and voicemail passes join here with their converters; a pass without a
+  // converter would delete files it never converted.
 }
 
 }  // namespace
