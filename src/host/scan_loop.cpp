@@ -16,6 +16,7 @@
 #include "outgoing/message_conversion.h"
 #include "outgoing/pending_queue.h"
 #include "outgoing/scan_passes.h"
+#include "outgoing/text_file_conversion.h"
 #include "platform/clock.h"
 #include "platform/event_log.h"
 #include "reports/delivery_reports.h"
@@ -47,8 +48,9 @@ void RefuseBlockedJob(JobRecordView job) {
 
 void RunConversionPasses(const ServiceState &service) {
   RunGatewayOutPass(service.gatewayOutDirectory, [](const std::string &path) { ConvertMessage(path); });
-  // The text-file and voicemail passes join here with their converters; a pass without a
-  // converter would delete files it never converted.
+  if (service.textFileFlag != 0)
+    RunTextFilePass(service.textFileDirectory, [](const std::string &path) { ConvertTextFile(path); });
+  // The voicemail pass joins here.
 }
 
 }  // namespace
