@@ -3,10 +3,8 @@
 #include "outgoing/option_lines.h"
 
 #include <algorithm>
-#include <cstdio>
 #include <ctime>
 #include <optional>
-#include <variant>
 
 #include "common/file_extension.h"
 #include "common/number_text.h"
@@ -17,6 +15,7 @@
 #include "config/numbered_list.h"
 #include "config/saved_files.h"
 #include "config/service_state.h"
+#include "config/string_formatting.h"
 #include "platform/clock.h"
 #include "platform/file.h"
 #include "platform/file_system.h"
@@ -34,58 +33,14 @@ constexpr std::size_t kMaxSendTimeToken = 5;
 constexpr std::size_t kBillingTokenLimit = 9;
 constexpr std::int64_t kSecondsPerDay = 86400;
 
-using ErrorValue = std::variant<std::int64_t, std::string_view>;
-
-// The string file's text with the value put in at its first conversion of the value's kind ("%d"
-// for a number, "%s" for a text, flags, width and precision kept). Other conversions stay as
-// written, so a translated text with a wrong placeholder cannot make the formatting read a value
-// that was never passed.
-std::string FormatWithValue(std::string_view format, const ErrorValue &value) {
-  std::string text;
-  bool valueUsed = false;
-  for (std::size_t i = 0; i < format.size() && text.size() <= kMaxErrorText; ++i) {
-    if (format[i] != '%') {
-      text += format[i];
-      continue;
-    }
-    const std::size_t fieldEnd = std::min(format.find_first_not_of("-+ #0123456789.", i + 1), format.size());
-    const std::size_t conversionAt = format.find_first_not_of("hlLqjzt", fieldEnd);
-    if (conversionAt == std::string_view::npos) {
-      text += format.substr(i);
-      break;
-    }
-    const char conversion = format[conversionAt];
-    const std::string field(format.substr(i, fieldEnd - i));
-    char piece[kErrorTextSize] = "";
-    if (conversion == '%') {
-      text += '%';
-    } else if (!valueUsed && (conversion == 'd' || conversion == 'i') &&
-               std::holds_alternative<std::int64_t>(value)) {
-      std::snprintf(piece, sizeof piece, (field + "lld").c_str(),
-                    static_cast<long long>(std::get<std::int64_t>(value)));
-      text += piece;
-      valueUsed = true;
-    } else if (!valueUsed && conversion == 's' && std::holds_alternative<std::string_view>(value)) {
-      const std::string argument(std::get<std::string_view>(value));
-      std::snprintf(piece, sizeof piece, (field + "s").c_str(), argument.c_str());
-      text += piece;
-      valueUsed = true;
-    } else {
-      text += format.substr(i, conversionAt - i + 1);
-    }
-    i = conversionAt;
-  }
-  return CutText(text, kMaxErrorText);
-}
-
 int Fail(std::string &errorText, int number) {
   errorText = GetString(number);
   CutText(errorText, kMaxErrorText);
   return -1;
 }
 
-int Fail(std::string &errorText, int number, const ErrorValue &value) {
-  errorText = FormatWithValue(GetString(number), value);
+int Fail(std::string &errorText, int number, const FormatValue &value) {
+  errorText = FormatWithValue(GetString(number), value, kMaxErrorText);
   return -1;
 }
 
