@@ -1,25 +1,25 @@
 // Extensions for the files the system names itself. Cannot fail: an unusable extension becomes
-// "FAX".
+// the fallback, "FAX" unless the caller names another.
 #include "common/file_extension.h"
 
 #include <algorithm>
 
 namespace tqv {
 
-std::string ExtensionOf(std::string_view name) {
+std::string ExtensionOf(std::string_view name, std::string_view fallback) {
   const std::size_t dot = name.rfind('.');
-  if (dot == std::string_view::npos) return std::string(kDefaultExtension);
+  if (dot == std::string_view::npos) return std::string(fallback);
   return std::string(name.substr(dot + 1));
 }
 
-std::string SafeExtensionOf(std::string_view untrustedName) {
-  std::string extension = ExtensionOf(untrustedName);
+std::string SafeExtensionOf(std::string_view untrustedName, std::string_view fallback) {
+  std::string extension = ExtensionOf(untrustedName, fallback);
   // No "." can be left in it, so ".." cannot occur; separators, colons and wildcards can.
   const bool unsafe = std::any_of(extension.begin(), extension.end(), [](char c) {
     const auto byte = static_cast<unsigned char>(c);
     return byte < 0x20 || byte == 0x7F || std::string_view("\\/:*?\"<>|").find(c) != std::string_view::npos;
   });
-  return unsafe ? std::string(kDefaultExtension) : extension;
+  return unsafe ? std::string(fallback) : extension;
 }
 
 }  // namespace tqv

@@ -11,13 +11,13 @@ namespace tqv {
 // The extension given to a document whose name has no ".".
 inline constexpr std::string_view kDefaultExtension = "FAX";
 
-// The text after the last "." of `name`, or "FAX" when it has none (an empty text after a final
-// "." stays empty).
-std::string ExtensionOf(std::string_view name);
+// The text after the last "." of `name`, or `fallback` when it has none (an empty text after a
+// final "." stays empty).
+std::string ExtensionOf(std::string_view name, std::string_view fallback = kDefaultExtension);
 
-// As ExtensionOf, but "FAX" whenever that text holds a path separator, a drive colon, a control
-// character or any other character a Windows file name cannot hold, so a name made from it always
-// lies in the directory it was made for.
-std::string SafeExtensionOf(std::string_view untrustedName);
+// As ExtensionOf, but `fallback` also whenever that text holds a path separator, a drive colon, a
+// control character or any other character a Windows file name cannot hold, so a name made from it
+// always lies in the directory it was made for.
+std::string SafeExtensionOf(std::string_view untrustedName, std::string_view fallback = kDefaultExtension);
 
 }  // namespace tqv

@@ -18,6 +18,7 @@ TEST(FileExtension, UntrustedNamesNeverEscapeTheirDirectory) {
     EXPECT_EQ(SafeExtensionOf(name), "FAX") << name;
   EXPECT_EQ(SafeExtensionOf("..\\..\\evil"), "FAX") << "a separator after the last dot";
   EXPECT_EQ(SafeExtensionOf("Brief an Müller.doc"), "doc");
+  EXPECT_EQ(SafeExtensionOf("x./etc/passwd", "RTF") + SafeExtensionOf("letterhead", "RTF"), "RTFRTF");
 }
 
 }  // namespace
