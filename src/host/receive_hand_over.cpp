@@ -1,8 +1,14 @@
 // Received faxes from the host: naming the file the host stores a fax in, and taking the fax over.
+// Once taken over, the image and its recognised text are deleted whatever delivery made of them;
+// the fax lives on as the message attachment and, when asked for, the archive copy.
 #include "common/receive_record.h"
 #include "common/unique_name.h"
 #include "config/service_state.h"
 #include "host/entry_points.h"
+#include "host/job_documents.h"
+#include "incoming/received_fax_delivery.h"
+#include "incoming/recipient_list.h"
+#include "reports/receive_log.h"
 
 namespace tqv::host {
 
@@ -16,8 +22,12 @@ int CreateReceiveFaxFile(void *receiveBuffer) {
 
 int FaxReceived(void *receiveBuffer) {
   if (receiveBuffer == nullptr) return 0;
-  // Until received faxes can be routed and delivered, the image and its text stay where the host
-  // stored them, so no fax is lost.
+  ReceiveRecordView receive(receiveBuffer);
+  RecipientList routedTo;
+  DeliverReceivedFax(receive, routedTo);
+  AppendReceiveLog(receive, routedTo);
+  DeleteIfPresent(receive.Text(receive::FaxFile));
+  DeleteIfPresent(receive.Text(receive::OcrTextFile));
   return 0;
 }
 
