@@ -267,12 +267,18 @@ TEST_F(MessageConversion, AttachmentNamesCannotLeaveTheWorkDirectory) {
 TEST_F(MessageConversion, AdministrationRequestIsAnsweredNotFaxed) {
   Message message;
   message.recipients = {"0711 42@fax", "faxadmin@fax"};
-  message.attachments = {{"a.tif", "II*"}};
+  message.subject = "A=Price list";
+  message.attachments = {{"prices.tif", "II*"}};
   Convert(message);
   EXPECT_TRUE(Jobs().empty());
   const std::vector<std::string> reports = Reports();
   ASSERT_EQ(reports.size(), 1u);
   EXPECT_NE(reports[0].find("MAIL FROM:FAXADMIN\r\n"), std::string::npos);
+  EXPECT_NE(reports[0].find("    Price list                      3 bytes\r\n"), std::string::npos)
+      << reports[0];
+  EXPECT_EQ(reports[0].find("###ERROR"), std::string::npos);
+  EXPECT_EQ(FilesIn(ProductDir() + "\\ATTACH"), 1u);
+  EXPECT_EQ(FilesIn(WorkDir()), 0u) << "the request's own files are gone";
 }
 
 TEST_F(MessageConversion, MessageStillBeingWrittenWaitsForTheNextPass) {
