@@ -64,6 +64,9 @@ class File {
   // Cuts or extends the file to its current position.
   bool Truncate();
 
+  // The operating system's handle, for the backend's own bulk operations.
+  std::intptr_t NativeHandle() const { return handle_; }
+
  private:
   explicit File(std::intptr_t handle) : handle_(handle) {}
   void Close() noexcept;
