@@ -13,6 +13,7 @@
 #include "diag/log_message.h"
 #include "host/entry_points.h"
 #include "host/job_documents.h"
+#include "incoming/voicemail_delivery.h"
 #include "outgoing/message_conversion.h"
 #include "outgoing/pending_queue.h"
 #include "outgoing/scan_passes.h"
@@ -50,7 +51,7 @@ void RunConversionPasses(const ServiceState &service) {
   RunGatewayOutPass(service.gatewayOutDirectory, [](const std::string &path) { ConvertMessage(path); });
   if (service.textFileFlag != 0)
     RunTextFilePass(service.textFileDirectory, [](const std::string &path) { ConvertTextFile(path); });
-  // The voicemail pass joins here.
+  ScanVoicemail();
 }
 
 }  // namespace
