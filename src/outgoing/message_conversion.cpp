@@ -27,6 +27,7 @@
 #include "gateway/message_reader.h"
 #include "outgoing/body_splitting.h"
 #include "outgoing/dial_strings.h"
+#include "outgoing/job_building.h"
 #include "outgoing/option_lines.h"
 #include "platform/file.h"
 #include "platform/file_system.h"
@@ -46,10 +47,6 @@ constexpr std::size_t kChosenPathSize = kMaxPath + 1;
 constexpr std::size_t kSavedNameSize = 255;
 // Text 706 is fetched into a smaller buffer than the other errors.
 constexpr std::size_t kSenderErrorSize = 127;
-// The dial string and JFAX address are built in FaxNumber's 96 bytes less one.
-constexpr std::size_t kDialRoom = 95;
-// The cover directory keeps room for "\TXTTEMPL.RTF" in TextTemplateFile.
-constexpr std::size_t kCoverDirectoryForTemplate = 249;
 constexpr RawField kCustomStringBytesField{job::CustomString.offset, kCustomStringBytes};
 
 bool EqualsIgnoringCase(std::string_view a, std::string_view b) {
@@ -62,13 +59,6 @@ bool EqualsIgnoringCase(std::string_view a, std::string_view b) {
 template <std::size_t N>
 std::string TextOf(const std::array<char, N> &buffer) {
   return std::string(buffer.data(), std::find(buffer.begin(), buffer.end(), '\0'));
-}
-
-std::string WorkFile(std::string directory, std::string_view name) {
-  CutText(directory, kMaxPath);
-  AppendBackslash(directory);
-  directory += name;
-  return directory;
 }
 
 void RemoveIfPresent(std::string_view path) {
@@ -223,8 +213,8 @@ std::optional<std::string> ChooseTemplate(const Conversion &message, std::string
 
 // Writes the job of one recipient; false when its job file cannot be created.
 bool WriteJob(const Conversion &message, RecipientEntry &recipient, const ServiceState &service) {
-  const std::string jobPath = MakeUniqueName(service.pendingDirectory, "TQV");
-  auto jobFile = platform::File::CreateExclusive(jobPath);
+  std::string jobPath;
+  auto jobFile = CreateJobFile(jobPath);
   if (!jobFile) return false;
 
   JobRecord record = JobRecord::WithTag(message.tag);
@@ -262,20 +252,10 @@ bool WriteJob(const Conversion &message, RecipientEntry &recipient, const Servic
   LookupAddressBook(job.Text(job::RecipientNumber), job, job::RecipientParty, recipient.name,
                     recipient.company, job.Text(job::FaxNumber));
 
-  const std::string_view tag = message.tagForced                                   ? message.tag
-                               : IsJfaxNumber(number, service.internationalPrefix) ? kJfaxJobTag
-                                                                                   : kFaxJobTag;
-  if (tag == kJfaxJobTag) {
-    MakeJfaxAddress(number, service.internationalPrefix, kDialRoom);
-  } else {
-    MakeDialString(number, kDialRoom);
-  }
+  const std::string_view tag =
+      AddressJob(number, message.tagForced ? std::optional<std::string_view>(message.tag) : std::nullopt);
   job.SetText(job::FaxNumber, number);
-
-  std::string textTemplate = service.coverDirectory;
-  CutText(textTemplate, kCoverDirectoryForTemplate);
-  AppendBackslash(textTemplate);
-  job.SetText(job::TextTemplateFile, textTemplate + std::string(kTextTemplateName));
+  job.SetText(job::TextTemplateFile, TextTemplatePath());
 
   int fileCount = 0;
   for (const std::string &document : message.attachments) {
@@ -349,9 +329,9 @@ void MakeJobs(Conversion &message, const ServiceState &service) {
 void ConvertMessage(std::string_view path) {
   const ServiceState &service = CurrentService();
   Conversion message;
-  message.bodyPath = WorkFile(service.workDirectory, kBodyWorkFile);
-  message.setupPath = WorkFile(service.workDirectory, kSetupWorkFile);
-  message.messageTextPath = WorkFile(service.workDirectory, kMessageTextWorkFile);
+  message.bodyPath = WorkFilePath(kBodyWorkFile);
+  message.setupPath = WorkFilePath(kSetupWorkFile);
+  message.messageTextPath = WorkFilePath(kMessageTextWorkFile);
   for (const std::string *file : {&message.bodyPath, &message.messageTextPath, &message.setupPath})
     platform::RemoveFile(*file);
 

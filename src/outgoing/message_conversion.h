@@ -13,9 +13,6 @@ inline constexpr std::string_view kBodyWorkFile = "tqvbody.tmp";
 inline constexpr std::string_view kSetupWorkFile = "tqvsetup.tmp";
 inline constexpr std::string_view kMessageTextWorkFile = "tqvmesg.tmp";
 
-// The document every job names for its text page.
-inline constexpr std::string_view kTextTemplateName = "TXTTEMPL.RTF";
-
 // Texts of the string file told to the sender.
 inline constexpr int kStringSenderNotAllowed = 706;
 inline constexpr int kStringDefaultFileMissing = 708;

@@ -16,21 +16,9 @@ namespace tqv {
 
 namespace {
 
-constexpr std::string_view kWorkingCopyExtension = ".TMP";
 constexpr std::string_view kSuccessExtension = "OK";
 constexpr std::string_view kFailureExtension = "ERR";
 constexpr std::string_view kErrorSeparator = "\r\n\r\n\r\n";
-
-// The path without the extension: cut at its last ".", when the file name has one. A dot in a
-// directory name is not an extension; cutting there would put the file into the parent directory.
-std::string BaseOf(std::string_view path) {
-  std::string base(path);
-  CutText(base, kMaxPath);
-  const std::size_t dot = base.rfind('.');
-  const std::size_t separator = base.find_last_of("\\/");
-  if (dot != std::string::npos && (separator == std::string::npos || dot > separator)) base.resize(dot);
-  return base;
-}
 
 void AppendFileContents(platform::File &target, std::string_view sourcePath) {
   std::optional<platform::File> source = platform::File::OpenShared(sourcePath);
@@ -42,11 +30,24 @@ void AppendFileContents(platform::File &target, std::string_view sourcePath) {
 
 }  // namespace
 
+std::string TextJobBaseName(std::string_view path) {
+  std::string base(path);
+  CutText(base, kMaxPath);
+  const std::size_t dot = base.rfind('.');
+  const std::size_t separator = base.find_last_of("\\/");
+  if (dot != std::string::npos && (separator == std::string::npos || dot > separator)) base.resize(dot);
+  return base;
+}
+
+std::string TextJobWorkingCopy(std::string_view path) {
+  return TextJobBaseName(path) + std::string(kWorkingCopyExtension);
+}
+
 void WriteTextJobResult(const JobRecordView &job) {
   // For text-file jobs CustomString names the source file.
   const std::string source = job.Text(job::CustomString);
   if (source.empty()) return;
-  const std::string base = BaseOf(source);
+  const std::string base = TextJobBaseName(source);
   const std::string workingCopy = base + std::string(kWorkingCopyExtension);
   const bool delivered = job.Number(job::Status) == kStatusDelivered;
   const std::string resultPath =
@@ -64,7 +65,7 @@ void WriteTextJobErrorFile(std::string_view messageText, std::string_view textFi
   CutText(textFile, kMaxPath);
   if (textFile.empty()) return;
   std::optional<platform::File> errorFile =
-      platform::File::CreateExclusive(BaseOf(textFile) + "." + std::string(kFailureExtension));
+      platform::File::CreateExclusive(TextJobBaseName(textFile) + "." + std::string(kFailureExtension));
   if (!errorFile) return;
   errorFile->Write(messageText);
   errorFile->Write(kErrorSeparator);

@@ -4,6 +4,7 @@
 #pragma once
 
 #include <cstddef>
+#include <string>
 #include <string_view>
 
 #include "common/job_record.h"
@@ -12,6 +13,14 @@ namespace tqv {
 
 // Result files copy the text they append in blocks of this size.
 inline constexpr std::size_t kTextCopyBlock = 512;
+
+// The working copy of a text file keeps its text for the result file: <base>.TMP beside it.
+inline constexpr std::string_view kWorkingCopyExtension = ".TMP";
+
+// The path without its extension: cut at the last "." of the file name, when it has one. A dot in
+// a directory name is no extension; cutting there would put files into the parent directory.
+std::string TextJobBaseName(std::string_view path);
+std::string TextJobWorkingCopy(std::string_view path);
 
 // The sent-fax report followed by the job's working copy <base>.TMP, under <base>.OK when the
 // fax was delivered, else <base>.ERR, or a free variant of that name. The base is CustomString

@@ -1,0 +1,59 @@
+// Shared steps of job making. Nothing here fails loudly: a job file that cannot be created is a
+// result the caller acts on.
+#include "outgoing/job_building.h"
+
+#include "common/job_record.h"
+#include "common/path_helpers.h"
+#include "common/text_limits.h"
+#include "common/unique_name.h"
+#include "config/service_state.h"
+#include "outgoing/dial_strings.h"
+
+namespace tqv {
+
+namespace {
+
+// The dial string and JFAX address are built in FaxNumber's 96 bytes less one.
+constexpr std::size_t kDialRoom = 95;
+// The cover directory keeps room for "\TXTTEMPL.RTF" in TextTemplateFile.
+constexpr std::size_t kCoverDirectoryForTemplate = 249;
+constexpr std::string_view kTextTemplateName = "TXTTEMPL.RTF";
+constexpr std::string_view kJobFileExtension = "TQV";
+
+}  // namespace
+
+std::string WorkFilePath(std::string_view name) {
+  std::string path = CurrentService().workDirectory;
+  CutText(path, kMaxPath);
+  AppendBackslash(path);
+  path += name;
+  return path;
+}
+
+std::optional<platform::File> CreateJobFile(std::string &path) {
+  path = MakeUniqueName(CurrentService().pendingDirectory, kJobFileExtension);
+  return platform::File::CreateExclusive(path);
+}
+
+std::string_view AddressJob(std::string &number, std::optional<std::string_view> forcedTag) {
+  const ServiceState &service = CurrentService();
+  const std::string_view tag = forcedTag                                           ? *forcedTag
+                               : IsJfaxNumber(number, service.internationalPrefix) ? kJfaxJobTag
+                                                                                   : kFaxJobTag;
+  if (tag == kJfaxJobTag) {
+    MakeJfaxAddress(number, service.internationalPrefix, kDialRoom);
+  } else {
+    MakeDialString(number, kDialRoom);
+  }
+  return tag;
+}
+
+std::string TextTemplatePath() {
+  std::string path = CurrentService().coverDirectory;
+  CutText(path, kCoverDirectoryForTemplate);
+  AppendBackslash(path);
+  path += kTextTemplateName;
+  return path;
+}
+
+}  // namespace tqv

@@ -1,0 +1,27 @@
+// What the two converters (gateway messages and text files) do alike when they make jobs: the
+// work files, the job file, the tag and dial string of a number, the text template.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "platform/file.h"
+
+namespace tqv {
+
+// The work file of that name in the work directory (cut to a path before the name is added).
+std::string WorkFilePath(std::string_view name);
+
+// A new job file in the pending directory, created for writing without sharing; its path goes to
+// `path`. nullopt when it cannot be created.
+std::optional<platform::File> CreateJobFile(std::string &path);
+
+// The tag of a job to `number` (JFAX when a [JFAX Dial] pattern matches, unless the caller forces
+// a tag) and the number rewritten for it: the JFAX mail address, or the dial string.
+std::string_view AddressJob(std::string &number, std::optional<std::string_view> forcedTag = std::nullopt);
+
+// The text template every job names: "TXTTEMPL.RTF" in the cover directory.
+std::string TextTemplatePath();
+
+}  // namespace tqv

@@ -1,0 +1,162 @@
+#include "outgoing/text_file_conversion.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <array>
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "common/job_record.h"
+#include "host/entry_points.h"
+#include "platform/clock.h"
+#include "support/installation.h"
+
+namespace tqv {
+namespace {
+
+namespace fs = std::filesystem;
+
+class TextFileConversion : public testing::InstallationTest {
+ protected:
+  void SetUp() override {
+    InstallationTest::SetUp();
+    WriteFile(ProductDir() + "/tqstring.ini",
+              "[English]\r\nT428=No recipient\r\nT720=Unknown option %s\r\nT900=OK: \r\nT901=Failed: \r\n");
+    fs::create_directories(TextDir());
+    platform::SetTickCountSource([this] { return tick; });
+    ASSERT_EQ(host::Initialise(1, TextDir().c_str()), 0);
+  }
+
+  std::string TextDir() const { return PathOf("text"); }
+  std::string Order() const { return TextDir() + "/ORDER.TXT"; }
+
+  void Scan() {
+    tick += 20000;
+    std::array<unsigned char, kJobRecordSize> buffer{};
+    host::Scan(0, buffer.data());
+  }
+  std::vector<JobRecord> Jobs() const {
+    std::vector<std::string> paths;
+    for (const auto &entry : fs::directory_iterator(Native(PendingDir())))
+      if (entry.path().extension() == ".TQV") paths.push_back(entry.path().string());
+    std::sort(paths.begin(), paths.end());
+    std::vector<JobRecord> jobs;
+    for (const std::string &path : paths)
+      jobs.push_back(*ReadJobFile(path));
+    return jobs;
+  }
+  std::vector<std::string> TextDirNames() const {
+    std::vector<std::string> names;
+    for (const auto &entry : fs::directory_iterator(TextDir()))
+      names.push_back(entry.path().filename().string());
+    std::sort(names.begin(), names.end());
+    return names;
+  }
+
+  std::uint32_t tick = 1000;
+};
+
+TEST_F(TextFileConversion, EachRecipientLineBecomesAQueuedJobWithTheTextAsItsDocument) {
+  WriteFile(Order(), "::Smith,ACME,0711 42\r\n::Jones,0711 43\r\n::s,h\r\nPlease deliver 40 bearings.\r\n");
+  Scan();
+  const std::vector<JobRecord> jobs = Jobs();
+  ASSERT_EQ(jobs.size(), 2u);
+  for (const JobRecord &record : jobs) {
+    const JobRecordView job = record.View();
+    EXPECT_EQ(job.Text(job::SenderEmail), "TEXTFILE");
+    EXPECT_EQ(job.Text(job::SenderName), "TEXTFILE");
+    EXPECT_EQ(job.Number(job::SkipQueue), 0u) << "text-file jobs always queue";
+    EXPECT_EQ(job.Number(job::FineResolution), 1u);
+    EXPECT_EQ(job.Text(job::CustomString), TextDir() + "\\ORDER.TXT");
+    ASSERT_EQ(job.Number(job::FileCount), 1);
+    EXPECT_EQ(fs::path(job.Text(job::File(0))).extension(), ".TXT");
+    EXPECT_EQ(ReadFile(Native(job.Text(job::File(0)))), "Please deliver 40 bearings.\r\n");
+  }
+  const JobRecordView smith = jobs[0].View();
+  EXPECT_EQ(smith.Text(job::Party(job::RecipientParty, PartyField::LastName)), "Smith");
+  EXPECT_EQ(smith.Text(job::Party(job::RecipientParty, PartyField::Company)), "ACME");
+  EXPECT_EQ(TextDirNames(), std::vector<std::string>{"ORDER.TMP"});
+  EXPECT_EQ(ReadFile(TextDir() + "/ORDER.TMP"),
+            "::Smith,ACME,0711 42\r\n::Jones,0711 43\r\n::s,h\r\nPlease deliver 40 bearings.\r\n");
+}
+
+TEST_F(TextFileConversion, JfaxPatternMakesAJfaxJob) {
+  SetConfig("JFAX Dial", "Dial0", "+44");
+  SetConfig("JFAX Dial", "Domain", "jfax.example");
+  WriteFile(Order(), "::+44 20 794 600\r\nText\r\n");
+  Scan();
+  ASSERT_EQ(Jobs().size(), 1u);
+  EXPECT_EQ(Jobs()[0].View().Raw(job::Tag), kJfaxJobTag);
+  EXPECT_EQ(Jobs()[0].View().Text(job::FaxNumber), "4420794600@jfax.example");
+}
+
+TEST_F(TextFileConversion, FilesThatCannotBeFaxedLeaveAnErrorFileOrOnlyTheirWorkingCopy) {
+  // No option line at all: nothing to fax, the text stays as the working copy.
+  WriteFile(Order(), "Just text\r\n");
+  Scan();
+  EXPECT_TRUE(Jobs().empty());
+  EXPECT_EQ(TextDirNames(), std::vector<std::string>{"ORDER.TMP"});
+  fs::remove(TextDir() + "/ORDER.TMP");
+
+  // A bad option: the error file holds the reason, three line breaks and the file as it was.
+  const std::string bad = "::S\r\nText\r\n";
+  WriteFile(Order(), bad);
+  Scan();
+  EXPECT_TRUE(Jobs().empty());
+  EXPECT_EQ(TextDirNames(), std::vector<std::string>{"ORDER.ERR"});
+  EXPECT_EQ(ReadFile(TextDir() + "/ORDER.ERR"), "Unknown option S\r\n\r\n\r\n" + bad);
+  fs::remove(TextDir() + "/ORDER.ERR");
+
+  // Options without a recipient.
+  WriteFile(Order(), "::h\r\nText\r\n");
+  Scan();
+  EXPECT_EQ(TextDirNames(), std::vector<std::string>{"ORDER.ERR"});
+  EXPECT_EQ(ReadFile(TextDir() + "/ORDER.ERR").substr(0, 12), "No recipient");
+  fs::remove(TextDir() + "/ORDER.ERR");
+
+  // Only option lines, or only blanks: the file just goes.
+  for (const char *content : {"::0711 42\r\n", " \r\n\t\r\n"}) {
+    WriteFile(Order(), content);
+    Scan();
+    EXPECT_TRUE(TextDirNames().empty()) << content;
+  }
+  EXPECT_TRUE(Jobs().empty());
+}
+
+TEST_F(TextFileConversion, ResultFilesComeBackBesideTheSourceUnderFreeNames) {
+  WriteFile(Order(), "::0711 42\r\n::0711 43\r\nOrder text\r\n");
+  Scan();
+  ASSERT_EQ(Jobs().size(), 2u);
+  for (int sent = 0; sent < 2; ++sent) {
+    std::array<unsigned char, kJobRecordSize> buffer{};
+    ASSERT_EQ(host::Scan(1, buffer.data()), 1);
+    host::ScannedEventAccepted(buffer.data());
+    JobRecordView(buffer.data()).SetNumber(job::Status, kStatusDelivered);
+    host::FaxSent(buffer.data());
+  }
+  EXPECT_EQ(TextDirNames(), (std::vector<std::string>{"ORDER.OK", "ORDER1.OK"}));
+  const std::string first = ReadFile(TextDir() + "/ORDER.OK");
+  EXPECT_NE(first.find("Order text\r\n"), std::string::npos) << "the first result carries the text";
+  EXPECT_EQ(ReadFile(TextDir() + "/ORDER1.OK").find("Order text"), std::string::npos)
+      << "the working copy went with the first result";
+}
+
+TEST_F(TextFileConversion, SavedAttachmentRidesAlongAndTheSourceStillGoesOnce) {
+  WriteFile(ProductDir() + "/terms.pdf", "%PDF terms");
+  WriteFile(ProductDir() + "/tqvadmin.ini", "[TEXTFILE]\r\nA_00000=terms," + ProductDir() + "/terms.pdf\r\n");
+  WriteFile(Order(), "::0711 42\r\n::A=terms\r\nText\r\n");
+  Scan();
+  ASSERT_EQ(Jobs().size(), 1u);
+  const JobRecordView job = Jobs()[0].View();
+  ASSERT_EQ(job.Number(job::FileCount), 2);
+  EXPECT_EQ(ReadFile(Native(job.Text(job::File(0)))), "Text\r\n");
+  EXPECT_EQ(ReadFile(Native(job.Text(job::File(1)))), "%PDF terms");
+  EXPECT_EQ(job.Text(job::CustomString), TextDir() + "\\ORDER.TXT");
+  EXPECT_EQ(TextDirNames(), std::vector<std::string>{"ORDER.TMP"});
+  EXPECT_TRUE(fs::exists(ProductDir() + "/terms.pdf"));
+}
+
+}  // namespace
+}  // namespace tqv
