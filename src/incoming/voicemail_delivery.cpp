@@ -53,8 +53,8 @@ bool EndsWithIgnoringCase(std::string_view name, std::string_view ending) {
   return true;
 }
 
-void ReportBadName(const char *format, const std::string &detail = {}) {
-  LogMessage(nullptr, kServiceEventSource, platform::kEventError, format, detail.c_str());
+void ReportBadName(const std::string &message) {
+  LogMessage(nullptr, kServiceEventSource, platform::kEventError, "%s", message.c_str());
 }
 
 struct Recording {
@@ -80,7 +80,7 @@ std::optional<Recording> RecordingOf(std::string_view descriptionPath) {
   }
   body = body.substr(0, dot);
   if (body.size() != kVoicemailFileBodyChars) {
-    ReportBadName("Invalid voicemail filebody '%s'", std::string(body));
+    ReportBadName("Invalid voicemail filebody '" + std::string(body) + "'");
     return std::nullopt;
   }
   Recording recording;
