@@ -120,7 +120,9 @@ int InitStringsByCode(std::string_view mailSystem, std::string_view stringFile, 
 
 std::string LookupString(int number, std::size_t size) {
   const MessageStringState &state = State();
-  const std::string key = "T" + std::to_string(number);
+  // Appended rather than "T" + ...: GCC 12 warns falsely (-Wrestrict) on that form at -O3.
+  std::string key = "T";
+  key += std::to_string(number);
   // The marker is compared in full, so a buffer too small to hold it gets the cut marker as text.
   std::string text = ReadText(state.section, key, size);
   if (text == kUnknownResourceString) text = ReadText(kEnglishSection, key, size);

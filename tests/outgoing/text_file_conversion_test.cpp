@@ -148,8 +148,9 @@ TEST_F(TextFileConversion, SavedAttachmentRidesAlongAndTheSourceStillGoesOnce) {
   WriteFile(ProductDir() + "/tqvadmin.ini", "[TEXTFILE]\r\nA_00000=terms," + ProductDir() + "/terms.pdf\r\n");
   WriteFile(Order(), "::0711 42\r\n::A=terms\r\nText\r\n");
   Scan();
-  ASSERT_EQ(Jobs().size(), 1u);
-  const JobRecordView job = Jobs()[0].View();
+  const std::vector<JobRecord> jobs = Jobs();
+  ASSERT_EQ(jobs.size(), 1u);
+  const JobRecordView job = jobs[0].View();
   ASSERT_EQ(job.Number(job::FileCount), 2);
   EXPECT_EQ(ReadFile(Native(job.Text(job::File(0)))), "Text\r\n");
   EXPECT_EQ(ReadFile(Native(job.Text(job::File(1)))), "%PDF terms");
