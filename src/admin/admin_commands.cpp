@@ -147,7 +147,9 @@ std::optional<SavedFileTarget> ParseSavedFileTarget(std::string_view part) {
 }
 
 std::vector<std::string> SplitCommand(std::string_view commandText) {
-  std::string text(commandText);
+  // A command ends where a value of the database ends, so a name is stored whole or not at all
+  // and its entry keeps its path.
+  std::string text(commandText.substr(0, commandText.find_first_of(std::string_view("\0\r\n", 3))));
   CutText(text, kMaxCommandText);
   TrimRight(text);
   SqueezeAround(text, '=');
