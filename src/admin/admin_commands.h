@@ -60,7 +60,8 @@ struct SavedFileTarget {
 };
 std::optional<SavedFileTarget> ParseSavedFileTarget(std::string_view part);
 
-// The command cut and squeezed (no blanks around "=" and ","), split at its commas.
+// The command up to its first NUL, CR or LF and cut to kMaxCommandText, without trailing blanks
+// or blanks around "=" and ",", split at its commas into at most kMaxCommandParts parts.
 std::vector<std::string> SplitCommand(std::string_view commandText);
 
 // Runs one command with the message's first and second attachments (empty: none); the
