@@ -9,14 +9,18 @@
 
 #include <stdint.h>
 
+/* On Windows the names and ordinals are exported by the library's module-definition file, and the
+ * functions use the WINAPI (__stdcall) convention; elsewhere the convention is the platform's own. */
 #if defined(_WIN32)
 #if defined(TQVSPOOL_BUILDING)
-#define TQVSPOOL_API __declspec(dllexport)
+#define TQVSPOOL_API
 #else
 #define TQVSPOOL_API __declspec(dllimport)
 #endif
+#define TQVSPOOL_CALL __stdcall
 #else
 #define TQVSPOOL_API __attribute__((visibility("default")))
+#define TQVSPOOL_CALL
 #endif
 
 #ifdef __cplusplus
@@ -24,25 +28,25 @@ extern "C" {
 #endif
 
 /* Start-up: 0 = ready, -1 = cannot run (the reason is in the log file and the event log). */
-TQVSPOOL_API int S_Initialise(int32_t textFileFlag, const char *textFileDir);
+TQVSPOOL_API int TQVSPOOL_CALL S_Initialise(int32_t textFileFlag, const char *textFileDir);
 /* Always 0. */
-TQVSPOOL_API int S_Shutdown(void);
+TQVSPOOL_API int TQVSPOOL_CALL S_Shutdown(void);
 /* Sets *count to the number of users allowed to send faxes; 0. */
-TQVSPOOL_API int S_GetNumUsers(uint32_t *count);
+TQVSPOOL_API int TQVSPOOL_CALL S_GetNumUsers(uint32_t *count);
 /* Stores the job record as a new job file: 0, or -1 when the file cannot be created. */
-TQVSPOOL_API int S_FaxPending(void *job);
+TQVSPOOL_API int TQVSPOOL_CALL S_FaxPending(void *job);
 /* A "KVDTQVOUT" job is finished: report, log, clean up. 0. */
-TQVSPOOL_API int S_FaxSent(void *job);
+TQVSPOOL_API int TQVSPOOL_CALL S_FaxSent(void *job);
 /* Names the file for a received fax in FaxFile. 0. */
-TQVSPOOL_API int S_CreateReceiveFaxFile(void *receive);
+TQVSPOOL_API int TQVSPOOL_CALL S_CreateReceiveFaxFile(void *receive);
 /* Routes and delivers a received fax. 0. */
-TQVSPOOL_API int S_FaxReceived(void *receive);
+TQVSPOOL_API int TQVSPOOL_CALL S_FaxReceived(void *receive);
 /* 1 = a job was placed in the record, 0 = none. */
-TQVSPOOL_API int S_Scan(int32_t dueJobsFlag, void *job);
+TQVSPOOL_API int TQVSPOOL_CALL S_Scan(int32_t dueJobsFlag, void *job);
 /* The host has taken the job: nonzero when its job file was deleted, else 0. */
-TQVSPOOL_API int S_ScannedEventAccepted(void *job);
+TQVSPOOL_API int TQVSPOOL_CALL S_ScannedEventAccepted(void *job);
 /* A "JFXTQVOUT" job is back: mailed to the JFAX service (or reported). 0. */
-TQVSPOOL_API int S_JfaxReady(void *job);
+TQVSPOOL_API int TQVSPOOL_CALL S_JfaxReady(void *job);
 
 /* Job record: exactly TQV_JOB_RECORD_SIZE bytes; also the whole content of a job file. */
 #define TQV_JOB_RECORD_SIZE 8267

@@ -28,43 +28,43 @@ int Guarded(const char *name, int failure, Call call) noexcept {
 
 extern "C" {
 
-TQVSPOOL_API int S_Initialise(int32_t textFileFlag, const char *textFileDir) {
+TQVSPOOL_API int TQVSPOOL_CALL S_Initialise(int32_t textFileFlag, const char *textFileDir) {
   return Guarded("S_Initialise", -1, [&] { return tqv::host::Initialise(textFileFlag, textFileDir); });
 }
 
-TQVSPOOL_API int S_Shutdown(void) {
+TQVSPOOL_API int TQVSPOOL_CALL S_Shutdown(void) {
   return Guarded("S_Shutdown", 0, [] { return tqv::host::Shutdown(); });
 }
 
-TQVSPOOL_API int S_GetNumUsers(uint32_t *count) {
+TQVSPOOL_API int TQVSPOOL_CALL S_GetNumUsers(uint32_t *count) {
   return Guarded("S_GetNumUsers", 0, [&] { return tqv::host::GetNumUsers(count); });
 }
 
-TQVSPOOL_API int S_FaxPending(void *job) {
+TQVSPOOL_API int TQVSPOOL_CALL S_FaxPending(void *job) {
   return Guarded("S_FaxPending", -1, [&] { return tqv::host::FaxPending(job); });
 }
 
-TQVSPOOL_API int S_FaxSent(void *job) {
+TQVSPOOL_API int TQVSPOOL_CALL S_FaxSent(void *job) {
   return Guarded("S_FaxSent", 0, [&] { return tqv::host::FaxSent(job); });
 }
 
-TQVSPOOL_API int S_CreateReceiveFaxFile(void *receive) {
+TQVSPOOL_API int TQVSPOOL_CALL S_CreateReceiveFaxFile(void *receive) {
   return Guarded("S_CreateReceiveFaxFile", 0, [&] { return tqv::host::CreateReceiveFaxFile(receive); });
 }
 
-TQVSPOOL_API int S_FaxReceived(void *receive) {
+TQVSPOOL_API int TQVSPOOL_CALL S_FaxReceived(void *receive) {
   return Guarded("S_FaxReceived", 0, [&] { return tqv::host::FaxReceived(receive); });
 }
 
-TQVSPOOL_API int S_Scan(int32_t dueJobsFlag, void *job) {
+TQVSPOOL_API int TQVSPOOL_CALL S_Scan(int32_t dueJobsFlag, void *job) {
   return Guarded("S_Scan", 0, [&] { return tqv::host::Scan(dueJobsFlag, job); });
 }
 
-TQVSPOOL_API int S_ScannedEventAccepted(void *job) {
+TQVSPOOL_API int TQVSPOOL_CALL S_ScannedEventAccepted(void *job) {
   return Guarded("S_ScannedEventAccepted", 0, [&] { return tqv::host::ScannedEventAccepted(job); });
 }
 
-TQVSPOOL_API int S_JfaxReady(void *job) {
+TQVSPOOL_API int TQVSPOOL_CALL S_JfaxReady(void *job) {
   return Guarded("S_JfaxReady", 0, [&] { return tqv::host::JfaxReady(job); });
 }
 

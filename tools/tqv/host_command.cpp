@@ -35,11 +35,17 @@ void RequestStop(int) {
 }
 
 void InstallStopHandlers() {
+#if defined(_WIN32)
+  // Windows has no sigaction; its runtime's signal() keeps the handler for Ctrl+C.
+  std::signal(SIGINT, RequestStop);
+  std::signal(SIGTERM, RequestStop);
+#else
   struct sigaction action {};
   action.sa_handler = RequestStop;
   sigemptyset(&action.sa_mask);
   sigaction(SIGINT, &action, nullptr);
   sigaction(SIGTERM, &action, nullptr);
+#endif
 }
 
 bool StopRequested() {

@@ -45,8 +45,9 @@ class HostLibrary {
   EntryPoints entries_;
 };
 
-// libtqvspool.so in ../lib beside the directory of the running executable, as the build and an
-// installation lay them out; empty when the executable's own path cannot be found.
+// libtqvspool.so in ../lib beside the directory of the running executable (on Windows TQVSPOOL.dll
+// beside the executable), as the build and an installation lay them out; empty when the
+// executable's own path cannot be found.
 std::string DefaultLibraryPath();
 
 }  // namespace tqv::tool

@@ -6,7 +6,9 @@
 #include <filesystem>
 #include <system_error>
 
+#if !defined(_WIN32)
 #include "platform/posix/native_path.h"
+#endif
 #include "tqv/host_records.h"
 #include "tqv/loopback_line.h"
 
@@ -15,6 +17,15 @@ namespace tqv::tool {
 namespace {
 
 namespace fs = std::filesystem;
+
+// Windows opens the library's paths as they are; elsewhere they are mapped as the library maps them.
+std::string NativePath(std::string_view windowsPath) {
+#if defined(_WIN32)
+  return std::string(windowsPath);
+#else
+  return platform::ToNativePath(windowsPath);
+#endif
+}
 
 bool CopyInto(const std::string &source, const std::string &target, std::string &error) {
   std::error_code failed;
@@ -45,14 +56,14 @@ bool PlayReceivedFax(const EntryPoints &entries, const ReceivedFax &fax, std::os
     error = "S_CreateReceiveFaxFile named no file";
     return false;
   }
-  const std::string nativeFax = platform::ToNativePath(faxFile);
+  const std::string nativeFax = NativePath(faxFile);
   if (!CopyInto(fax.imageFile, nativeFax, error)) return false;
   out << "receive: image " << fax.imageFile << " stored as " << faxFile << " (" << nativeFax << ")"
       << std::endl;
 
   if (!fax.ocrTextFile.empty()) {
     const std::string ocrFile = OcrTextPathFor(faxFile);
-    const std::string nativeOcr = platform::ToNativePath(ocrFile);
+    const std::string nativeOcr = NativePath(ocrFile);
     if (!CopyInto(fax.ocrTextFile, nativeOcr, error)) {
       std::error_code ignored;
       fs::remove(nativeFax, ignored);

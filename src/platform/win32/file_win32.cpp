@@ -1,0 +1,150 @@
+// File handles of the Win32 backend: CreateFileA with the share mode the caller asks for (0 for
+// no sharing), so Windows itself refuses an open that would meet another handle's sharing.
+#include <windows.h>
+
+#include <algorithm>
+#include <limits>
+
+#include "platform/fault_injection.h"
+#include "platform/file.h"
+
+namespace tqv::platform {
+
+namespace {
+
+const std::intptr_t kNoHandle = reinterpret_cast<std::intptr_t>(INVALID_HANDLE_VALUE);
+
+HANDLE Native(std::intptr_t handle) {
+  return reinterpret_cast<HANDLE>(handle);
+}
+
+DWORD DesiredAccess(FileAccess access) {
+  switch (access) {
+    case FileAccess::Read:
+      return GENERIC_READ;
+    case FileAccess::Write:
+      return GENERIC_WRITE;
+    case FileAccess::ReadWrite:
+      break;
+  }
+  return GENERIC_READ | GENERIC_WRITE;
+}
+
+DWORD Disposition(FileCreation creation) {
+  switch (creation) {
+    case FileCreation::OpenExisting:
+      return OPEN_EXISTING;
+    case FileCreation::CreateNew:
+      return CREATE_NEW;
+    case FileCreation::CreateAlways:
+      return CREATE_ALWAYS;
+    case FileCreation::OpenAlways:
+      break;
+  }
+  return OPEN_ALWAYS;
+}
+
+}  // namespace
+
+std::optional<File> File::Open(std::string_view path, FileAccess access, FileSharing sharing,
+                               FileCreation creation) {
+  if (FileOperationMustFail()) return std::nullopt;
+  const std::string name(path);
+  if (name.empty() || name.find('\0') != std::string::npos) return std::nullopt;
+  const DWORD share = sharing == FileSharing::None ? 0 : FILE_SHARE_READ | FILE_SHARE_WRITE;
+  HANDLE handle = ::CreateFileA(name.c_str(), DesiredAccess(access), share, nullptr, Disposition(creation),
+                                FILE_ATTRIBUTE_NORMAL, nullptr);
+  if (handle == INVALID_HANDLE_VALUE) return std::nullopt;
+  return File(reinterpret_cast<std::intptr_t>(handle));
+}
+
+std::optional<File> File::OpenForAppend(std::string_view path) {
+  std::optional<File> file = Open(path, FileAccess::Write, FileSharing::ReadWrite, FileCreation::OpenAlways);
+  if (file && !file->Seek(0, SeekOrigin::End)) return std::nullopt;
+  return file;
+}
+
+File::File(File &&other) noexcept : handle_(other.handle_) {
+  other.handle_ = kNoHandle;
+}
+
+File &File::operator=(File &&other) noexcept {
+  if (this != &other) {
+    Close();
+    handle_ = other.handle_;
+    other.handle_ = kNoHandle;
+  }
+  return *this;
+}
+
+File::~File() {
+  Close();
+}
+
+void File::Close() noexcept {
+  if (handle_ != kNoHandle) {
+    ::CloseHandle(Native(handle_));
+    handle_ = kNoHandle;
+  }
+}
+
+std::optional<std::size_t> File::Read(void *buffer, std::size_t size) {
+  if (FileOperationMustFail()) return std::nullopt;
+  const DWORD want = static_cast<DWORD>(std::min<std::size_t>(size, std::numeric_limits<DWORD>::max()));
+  DWORD got = 0;
+  if (!::ReadFile(Native(handle_), buffer, want, &got, nullptr)) return std::nullopt;
+  return static_cast<std::size_t>(got);
+}
+
+std::optional<std::string> File::ReadAll(std::size_t limit) {
+  std::string result;
+  char chunk[65536];
+  while (result.size() < limit) {
+    const std::size_t want = std::min(sizeof chunk, limit - result.size());
+    std::optional<std::size_t> got = Read(chunk, want);
+    if (!got) return std::nullopt;
+    if (*got == 0) break;
+    result.append(chunk, *got);
+  }
+  return result;
+}
+
+bool File::Write(const void *data, std::size_t size) {
+  if (FileOperationMustFail()) return false;
+  const char *bytes = static_cast<const char *>(data);
+  while (size > 0) {
+    const DWORD want = static_cast<DWORD>(std::min<std::size_t>(size, std::numeric_limits<DWORD>::max()));
+    DWORD written = 0;
+    if (!::WriteFile(Native(handle_), bytes, want, &written, nullptr) || written == 0) return false;
+    bytes += written;
+    size -= written;
+  }
+  return true;
+}
+
+std::optional<std::uint64_t> File::Seek(std::int64_t offset, SeekOrigin origin) {
+  const DWORD method = origin == SeekOrigin::Begin     ? FILE_BEGIN
+                       : origin == SeekOrigin::Current ? FILE_CURRENT
+                                                       : FILE_END;
+  LONG high = static_cast<LONG>(offset >> 32);
+  // INVALID_SET_FILE_POINTER is also a valid low half, so the error code decides.
+  ::SetLastError(NO_ERROR);
+  const DWORD low = ::SetFilePointer(Native(handle_), static_cast<LONG>(offset & 0xFFFFFFFF), &high, method);
+  if (low == INVALID_SET_FILE_POINTER && ::GetLastError() != NO_ERROR) return std::nullopt;
+  return (static_cast<std::uint64_t>(static_cast<DWORD>(high)) << 32) | low;
+}
+
+std::optional<std::uint64_t> File::Size() const {
+  DWORD high = 0;
+  ::SetLastError(NO_ERROR);
+  const DWORD low = ::GetFileSize(Native(handle_), &high);
+  if (low == INVALID_FILE_SIZE && ::GetLastError() != NO_ERROR) return std::nullopt;
+  return (static_cast<std::uint64_t>(high) << 32) | low;
+}
+
+bool File::Truncate() {
+  if (FileOperationMustFail()) return false;
+  return ::SetEndOfFile(Native(handle_)) != 0;
+}
+
+}  // namespace tqv::platform
