@@ -20,5 +20,8 @@ using CommandAction = std::function<int()>;
 
 void AddHostCommand(CLI::App &app, CommandAction &action);
 void AddQueueCommand(CLI::App &app, CommandAction &action);
+#ifdef TQV_MAIL_BRIDGE
+void AddMailCommand(CLI::App &app, CommandAction &action);
+#endif
 
 }  // namespace tqv::tool

@@ -26,6 +26,9 @@ int main(int argc, char **argv) {
   tqv::tool::CommandAction action;
   tqv::tool::AddHostCommand(app, action);
   tqv::tool::AddQueueCommand(app, action);
+#ifdef TQV_MAIL_BRIDGE
+  tqv::tool::AddMailCommand(app, action);
+#endif
 
   try {
     app.parse(argc, argv);
