@@ -107,13 +107,16 @@ std::vector<MailCase> RealWorldMails() {
         {{"Preisliste M\xE4rz.pdf", "%PDF-1.4\n%\xE2\xE3\xCF\xD3\n"}, {"scan__1.tif", "II*\0\x08\0\0\0"s}},
         0,
         ""}});
-  // Outlook style HTML only, raw UTF-8 in the subject; no envelope: From, To and Cc stand in.
+  // Outlook style HTML only with a logo it shows inline, raw UTF-8 in the subject; no envelope:
+  // From, To and Cc stand in.
   cases.push_back({"html only",
                    "From: \"Bob\" <bob@example.org>\nTo: 07114242@fax.example\nCc: FAXADMIN@fax.example\n"
                    "Subject: Caf\xC3\xA9 \xE2\x80\x93 Men\xC3\xBC\n"
+                   "Content-Type: multipart/related; boundary=r\n\n--r\n"
                    "Content-Type: text/html; charset=\"utf-8\"\n\n"
                    "<html><head><style>p {color: red}</style></head><body><p>Hello&nbsp;&amp; welcome,</p>\n"
-                   "<p>the   menu\nfollows.<br>Caf&#233;</p></body></html>\n",
+                   "<p>the   menu\nfollows.<br>Caf&#233;</p><img src=\"cid:logo@x\"></body></html>\n"
+                   "--r\nContent-Type: image/png; name=image001.png\nContent-ID: <logo@x>\n\nPNG\n--r--\n",
                    {},
                    {"bob@example.org",
                     {"07114242@fax.example", "FAXADMIN@fax.example"},

@@ -71,12 +71,18 @@ struct MimeContent {
   std::vector<GMimeObject *> attachments;
 };
 
-// Unnamed inline text is the message text; everything else that carries content is an attachment.
-void Collect(GMimeObject *object, MimeContent &content) {
+// Unnamed inline text is the message text; everything else that carries content is an attachment,
+// except the pictures an HTML text shows inline (a logo in a signature is no page to fax).
+void Collect(GMimeObject *object, MimeContent &content, bool insideRelated = false) {
   if (GMIME_IS_MULTIPART(object)) {
     GMimeMultipart *multipart = GMIME_MULTIPART(object);
+    const bool related = insideRelated || g_mime_content_type_is_type(g_mime_object_get_content_type(object),
+                                                                      "multipart", "related");
     for (int i = 0; i < g_mime_multipart_get_count(multipart); ++i)
-      Collect(g_mime_multipart_get_part(multipart, i), content);
+      Collect(g_mime_multipart_get_part(multipart, i), content, related);
+  } else if (insideRelated && g_mime_object_get_content_id(object) != nullptr &&
+             !(GMIME_IS_PART(object) && g_mime_part_is_attachment(GMIME_PART(object)))) {
+    return;
   } else if (GMIME_IS_MESSAGE_PART(object)) {
     content.attachments.push_back(object);
   } else if (GMIME_IS_PART(object)) {
