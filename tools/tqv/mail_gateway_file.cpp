@@ -27,6 +27,8 @@ constexpr std::string_view kLineEnd = "\r\n";
 // The reader delivers at most this many bytes as one line when no CR LF comes first.
 constexpr std::size_t kReaderLineBytes = 255;
 constexpr std::string_view kTempDirectory = "MAILTMP";
+// A temporary file this old that nobody holds was left by a writer that died.
+constexpr std::time_t kStaleTempSeconds = 60 * 60;
 
 std::string HeaderText(std::string_view value, std::string_view keyword) {
   std::string text;
@@ -60,6 +62,20 @@ std::optional<std::string> ReadWholeFile(const std::string &path) {
   std::ifstream in(path, std::ios::binary);
   if (!in) return std::nullopt;
   return std::string(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
+}
+
+void RemoveStaleTempFiles(const std::string &tempDirectory) {
+  std::error_code error;
+  for (const auto &entry : std::filesystem::directory_iterator(tempDirectory, error)) {
+    struct stat info {};
+    if (::stat(entry.path().c_str(), &info) != 0 || !S_ISREG(info.st_mode) ||
+        std::time(nullptr) - info.st_mtime < kStaleTempSeconds)
+      continue;
+    const int fd = ::open(entry.path().c_str(), O_RDONLY | O_CLOEXEC);
+    if (fd < 0) continue;
+    if (::flock(fd, LOCK_EX | LOCK_NB) == 0) ::unlink(entry.path().c_str());
+    ::close(fd);
+  }
 }
 
 std::string TextOf(const char *buffer) {
@@ -108,6 +124,7 @@ std::optional<std::string> PlaceGatewayFile(const std::string &directory, std::s
     error = Errno("cannot create " + tempDirectory);
     return std::nullopt;
   }
+  RemoveStaleTempFiles(tempDirectory);
   std::string tempPath = tempDirectory + "/mailXXXXXX";
   const int fd = ::mkstemp(tempPath.data());
   if (fd < 0) {

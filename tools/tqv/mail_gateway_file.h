@@ -37,7 +37,8 @@ std::size_t MaxHeaderValue(std::string_view keyword);
 
 // Writes `bytes` as a new file of `directory`: first into its subdirectory MAILTMP, held
 // exclusively, then linked in under a fresh name "XXXXXXXX.MSG", so the library never sees a part
-// of it. The file's name, or nullopt with the reason.
+// of it. Temporary files left there by a writer that died are removed. The file's name, or
+// nullopt with the reason.
 std::optional<std::string> PlaceGatewayFile(const std::string &directory, std::string_view bytes,
                                             std::string &error);
 
