@@ -24,11 +24,13 @@
 #include "config/user_details.h"
 #include "config/user_list.h"
 #include "config/user_properties.h"
+#include "diag/log_message.h"
 #include "gateway/message_reader.h"
 #include "outgoing/body_splitting.h"
 #include "outgoing/dial_strings.h"
 #include "outgoing/job_building.h"
 #include "outgoing/option_lines.h"
+#include "platform/event_log.h"
 #include "platform/file.h"
 #include "platform/file_system.h"
 #include "reports/delivery_reports.h"
@@ -319,8 +321,19 @@ void MakeJobs(Conversion &message, const ServiceState &service) {
   GetFaxAttachmentCheckFormat();
   GetFaxAttachmentMaxSize();
 
+  std::size_t written = 0;
   for (RecipientEntry &recipient : message.recipients) {
-    if (!WriteJob(message, recipient, service)) break;
+    if (!WriteJob(message, recipient, service)) {
+      // The message is deleted after its pass whatever happened; an operator has to know who
+      // lost which recipients when the pending directory refuses new files.
+      LogMessage(nullptr, kServiceEventSource, platform::kEventError,
+                 "Message from '%s' with subject '%s': no job file could be created in '%s'; %zu of %zu "
+                 "recipients were not queued",
+                 message.sender.c_str(), message.subject.c_str(), service.pendingDirectory.c_str(),
+                 message.recipients.size() - written, message.recipients.size());
+      break;
+    }
+    ++written;
   }
 }
 

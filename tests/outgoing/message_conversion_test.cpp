@@ -1,19 +1,18 @@
 #include "outgoing/message_conversion.h"
 
 #include <gtest/gtest.h>
-#include <sys/file.h>
 
-#include <fcntl.h>
-#include <unistd.h>
 #include <algorithm>
 #include <array>
 #include <filesystem>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "common/job_record.h"
 #include "host/entry_points.h"
 #include "platform/clock.h"
+#include "platform/file.h"
 #include "support/installation.h"
 
 namespace tqv {
@@ -161,6 +160,23 @@ TEST_F(MessageConversion, ReportReachesTheSenderOnceTheHostHasSentTheJob) {
   EXPECT_EQ(FilesIn(PendingDir()), 0u) << "the job's documents are gone";
 }
 
+TEST_F(MessageConversion, JobFilesThatCannotBeCreatedAreReportedToTheOperator) {
+  Message message;
+  message.recipients = {"0711 41@fax", "0711 42@fax"};
+  message.attachments = {{"a.tif", "II*"}};
+  // A pending "directory" that is a file refuses every job file, as a full disk would.
+  fs::remove_all(Native(PendingDir()));
+  WriteFile(Native(PendingDir()), "");
+  Convert(message);
+  fs::remove(Native(PendingDir()));
+  fs::create_directory(Native(PendingDir()));
+  EXPECT_TRUE(Jobs().empty());
+  const std::vector<std::string> events = Events();
+  ASSERT_FALSE(events.empty());
+  EXPECT_NE(events.back().find("Message from 'ann@example.com' with subject 'Order'"), std::string::npos);
+  EXPECT_NE(events.back().find("2 of 2 recipients were not queued"), std::string::npos);
+}
+
 TEST_F(MessageConversion, FileTypeInAnyCaseForcesTheTagForEveryRecipient) {
   Message message;
   message.fileType = "jfxtqvout";
@@ -286,15 +302,16 @@ TEST_F(MessageConversion, MessageStillBeingWrittenWaitsForTheNextPass) {
   message.attachments = {{"a.tif", "II*"}};
   const std::string path = GatewayOut() + "/MSG00002.TMP";
   WriteFile(path, message.Bytes());
-  const int writer = ::open(path.c_str(), O_RDONLY);
-  ASSERT_EQ(::flock(writer, LOCK_EX), 0);
+  // Held without sharing, as the mail gateway holds a file it is still writing.
+  std::optional<platform::File> writer = platform::File::OpenExclusive(path);
+  ASSERT_TRUE(writer.has_value());
   tick += 20000;
   std::array<unsigned char, kJobRecordSize> buffer{};
   host::Scan(0, buffer.data());
   EXPECT_TRUE(fs::exists(path));
   EXPECT_TRUE(Jobs().empty());
 
-  ::close(writer);
+  writer.reset();
   tick += 20000;
   host::Scan(0, buffer.data());
   EXPECT_FALSE(fs::exists(path));
