@@ -7,6 +7,7 @@
 #include "config/admin_database_fixture.h"
 #include "config/user_properties.h"
 #include "platform/profile.h"
+#include "support/platform_backend.h"
 
 namespace tqv {
 namespace {
@@ -36,12 +37,12 @@ TEST_F(AdminDatabase, StartsFromTheProductDirectoryOfTheMachineFile) {
 }
 
 TEST_F(AdminDatabase, DirectoryTooLongForThePathLeavesNoDatabaseRatherThanAnotherFile) {
-  setenv("TQVSPOOL_EVENTLOG", PathOf("events.log").c_str(), 1);
+  tqv::testing::SetEnvironment("TQVSPOOL_EVENTLOG", PathOf("events.log").c_str());
   // 247 characters and a separator leave 11 of the 12 that "tqvadmin.ini" needs.
   const std::string directory = Dir() + "/" + std::string(246 - Dir().size(), 'd');
   std::filesystem::create_directories(directory);
   InitAdminDatabase(directory, 10, 10, 10);
-  unsetenv("TQVSPOOL_EVENTLOG");
+  tqv::testing::UnsetEnvironment("TQVSPOOL_EVENTLOG");
   EXPECT_FALSE(AdminPutString("FaxHeaders", "joe", "Joe"));
   EXPECT_EQ(GetUserProperties("joe"), kDefaultUserProperties);
   EXPECT_EQ(AdminGetString("FaxHeaders", "joe", "none", 3), "no");

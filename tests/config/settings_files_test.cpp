@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "platform/profile.h"
+#include "support/platform_backend.h"
 #include "support/temp_dir.h"
 
 namespace tqv {
@@ -49,9 +50,10 @@ TEST_F(SettingsFiles, MachineFileFolderIsCreatedOneLevelOnly) {
   EXPECT_EQ(MachineFilePath(), WinDir() + "\\Corvanta\\TQVMSERV.INI");
   EXPECT_TRUE(std::filesystem::is_directory(WinDir() + "/Corvanta"));
 
+  TQV_SKIP_ON_WIN32("the system's Windows directory cannot be moved");
   ResetSettingsPathsForTesting();
   const std::string missingWindows = PathOf("missing/windows");
-  setenv("TQVSPOOL_WINDIR", missingWindows.c_str(), 1);
+  tqv::testing::SetEnvironment("TQVSPOOL_WINDIR", missingWindows.c_str());
   EXPECT_EQ(MachineFilePath(), missingWindows + "\\Corvanta\\TQVMSERV.INI");
   EXPECT_FALSE(Exists(PathOf("missing")));
 }

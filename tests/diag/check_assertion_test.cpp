@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "platform/beep_and_sleep.h"
+#include "support/platform_backend.h"
 #include "support/temp_dir.h"
 
 namespace tqv {
@@ -16,7 +17,7 @@ class CheckAssertionTest : public testing::TempDirTest {
  protected:
   void SetUp() override {
     TempDirTest::SetUp();
-    setenv("TQVSPOOL_EVENTLOG", PathOf("events.txt").c_str(), 1);
+    tqv::testing::SetEnvironment("TQVSPOOL_EVENTLOG", PathOf("events.txt").c_str());
     platform::SetBeepAndSleepHooks(
         [this] { signals_.push_back("beep"); },
         [this](std::uint32_t ms) { signals_.push_back("sleep " + std::to_string(ms)); });

@@ -6,6 +6,7 @@
 #include "platform/clock.h"
 #include "platform/event_log.h"
 #include "platform/file.h"
+#include "support/platform_backend.h"
 #include "support/temp_dir.h"
 
 namespace tqv {
@@ -20,16 +21,16 @@ class LogMessageTest : public testing::TempDirTest {
   void SetUp() override {
     TempDirTest::SetUp();
     if (const char *zone = std::getenv("TZ")) savedZone_ = zone;
-    setenv("TZ", "UTC0", 1);
+    tqv::testing::SetEnvironment("TZ", "UTC0");
     tzset();
     platform::SetCurrentTimeSource([] { return kPinnedTime; });
-    setenv("TQVSPOOL_EVENTLOG", EventsPath().c_str(), 1);
+    tqv::testing::SetEnvironment("TQVSPOOL_EVENTLOG", EventsPath().c_str());
   }
   void TearDown() override {
     if (savedZone_) {
-      setenv("TZ", savedZone_->c_str(), 1);
+      tqv::testing::SetEnvironment("TZ", savedZone_->c_str());
     } else {
-      unsetenv("TZ");
+      tqv::testing::UnsetEnvironment("TZ");
     }
     tzset();
     TempDirTest::TearDown();
@@ -78,7 +79,8 @@ TEST_F(LogMessageTest, EventsDoNotDependOnTheLogFile) {
   }
   EXPECT_EQ(ReadFile(LogPath()).substr(0, overCap.size()), overCap) << "a held log is never emptied";
 
-  setenv("TQVSPOOL_WINDIR", PathOf("nowhere").c_str(), 1);
+  TQV_SKIP_ON_WIN32("the system's Windows directory cannot be moved");
+  tqv::testing::SetEnvironment("TQVSPOOL_WINDIR", PathOf("nowhere").c_str());
   LogMessage(nullptr, kServiceEventSource, platform::kEventError, "no directory");
   EXPECT_FALSE(Exists(PathOf("nowhere")));
   EXPECT_EQ(ReadFile(EventsPath()),

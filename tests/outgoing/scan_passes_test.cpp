@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "platform/file.h"
-#include "platform/posix/native_path.h"
+#include "platform/file_system.h"
 #include "support/temp_dir.h"
 
 namespace tqv {
@@ -17,7 +17,7 @@ class ScanPasses : public testing::TempDirTest {
   FileConverter Recorder() {
     return [this](const std::string &path) {
       converted.push_back(path.substr(path.find_last_of("\\/") + 1));
-      stillThere.push_back(Exists(platform::ToNativePath(path)));
+      stillThere.push_back(platform::GetEntryInfo(path).has_value());
     };
   }
   std::vector<std::string> converted;

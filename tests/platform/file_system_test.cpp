@@ -4,6 +4,7 @@
 
 #include "platform/fault_injection.h"
 #include "platform/file.h"
+#include "support/platform_backend.h"
 #include "support/temp_dir.h"
 
 namespace tqv::platform {
@@ -28,8 +29,9 @@ TEST_F(FileSystemTest, EnumerationMatchesWithoutCaseAndSortsLikeNtfs) {
   std::filesystem::create_directory(PathOf("Sub"));
 
   EXPECT_EQ(Names("*.TQV"), (NameList{"A.tqv", "b.TQV"}));
-  EXPECT_EQ(Names("*.*"), (NameList{".", "..", "A.tqv", "a.tqvx", "b.TQV", "c.txt", "one.txt", "README",
-                                    "Sub", "windows"}));
+  NameList everything{".", "..", "A.tqv", "a.tqvx", "b.TQV", "c.txt", "one.txt", "README", "Sub"};
+  if (!tqv::testing::kWin32Backend) everything.push_back("windows");  // the test's own Windows directory
+  EXPECT_EQ(Names("*.*"), everything);
   EXPECT_TRUE(FindEntries(PathOf("missing/*.*")).empty());
 
   // Without wildcards it is one lookup.
@@ -51,13 +53,16 @@ TEST_F(FileSystemTest, CopyHonoursFailIfExistsAndHeldFilesAndNeverLeavesHalfAFil
   EXPECT_TRUE(CopyFileTo(source, target, false));
   EXPECT_EQ(ReadFile(target), "new");
 
-  // A read error in the middle of the copy: no target, no temporary left behind.
-  WriteFile(source, std::string(200000, 'x'));
-  FailFileOperations(3);  // copy, open of the source, first read
-  EXPECT_FALSE(CopyFileTo(source, PathOf("copy.txt"), false));
-  EXPECT_FALSE(Exists(PathOf("copy.txt")));
-  for (const EntryInfo &entry : FindEntries(PathOf("*.*")))
-    EXPECT_EQ(entry.name.find("tqvcopy"), std::string::npos);
+  // A read error in the middle of the copy: no target, no temporary left behind. (Windows copies
+  // in one system call, which has no middle to fail in.)
+  if (!tqv::testing::kWin32Backend) {
+    WriteFile(source, std::string(200000, 'x'));
+    FailFileOperations(3);  // copy, open of the source, first read
+    EXPECT_FALSE(CopyFileTo(source, PathOf("copy.txt"), false));
+    EXPECT_FALSE(Exists(PathOf("copy.txt")));
+    for (const EntryInfo &entry : FindEntries(PathOf("*.*")))
+      EXPECT_EQ(entry.name.find("tqvcopy"), std::string::npos);
+  }
 
   // A file held exclusively is neither copied, overwritten nor removed.
   const std::string held = target;

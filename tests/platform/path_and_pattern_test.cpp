@@ -2,13 +2,17 @@
 
 #include <cstdlib>
 
+#if !defined(_WIN32)
 #include "platform/posix/native_path.h"
+#endif
 #include "platform/text_mode.h"
 #include "platform/wildcard_match.h"
 
 namespace tqv::platform {
 namespace {
 
+// The mapping to POSIX paths exists only in the POSIX backend.
+#if !defined(_WIN32)
 TEST(NativePath, BackslashesAndDrivePrefixes) {
   setenv("TQVSPOOL_DRIVE_C", "/srv/fax", 1);
   setenv("TQVSPOOL_DRIVE_D", "/data/", 1);
@@ -23,6 +27,7 @@ TEST(NativePath, BackslashesAndDrivePrefixes) {
   unsetenv("TQVSPOOL_DRIVE_C");
   unsetenv("TQVSPOOL_DRIVE_D");
 }
+#endif
 
 TEST(WildcardMatch, WindowsPatterns) {
   const struct {

@@ -1,12 +1,13 @@
 #include "platform/profile.h"
 
-#include <fcntl.h>
 #include <sys/stat.h>
 
+#include <chrono>
 #include <filesystem>
 
 #include "platform/fault_injection.h"
 #include "platform/regional_settings.h"
+#include "support/platform_backend.h"
 #include "support/temp_dir.h"
 
 namespace tqv::platform {
@@ -22,9 +23,12 @@ std::string ReadString(std::string_view section, std::string_view key, std::stri
   return ProfileReadString(section, key, defaultValue, size, file);
 }
 
-void SetModifiedTime(const std::string &path, time_t seconds) {
-  const timespec times[2] = {{seconds, 0}, {seconds, 0}};
-  ASSERT_EQ(utimensat(AT_FDCWD, path.c_str(), times, 0), 0);
+void SetModifiedTime(const std::string &path, std::int64_t seconds) {
+  std::error_code failed;
+  std::filesystem::last_write_time(
+      path, std::chrono::file_clock::from_sys(std::chrono::sys_seconds(std::chrono::seconds(seconds))),
+      failed);
+  ASSERT_FALSE(failed) << failed.message();
 }
 
 TEST_F(Profile, WritesKeepOtherLinesAndReadBack) {
@@ -33,9 +37,16 @@ TEST_F(Profile, WritesKeepOtherLinesAndReadBack) {
   EXPECT_TRUE(ProfileWriteString("users", "Alice", "8000", path));
   EXPECT_TRUE(ProfileWriteString("USERS", "carol", "'quoted'", path));
   EXPECT_TRUE(ProfileWriteString("New Section", "key", " spaced ", path));
-  EXPECT_EQ(ReadFile(path),
-            "; Administration\r\n[Users]\r\nALICE=8000\r\nbob=\"1\"\r\ncarol='quoted'\r\n\r\n; tail\r\n"
-            "[Other]\r\nx=1\r\n\r\n[New Section]\r\nkey= spaced \r\n");
+  // Wine writes the whole file anew (blank lines dropped, a value's leading blanks too); what
+  // reads back is the same on both.
+  if (!tqv::testing::kWin32Backend) {
+    EXPECT_EQ(ReadFile(path),
+              "; Administration\r\n[Users]\r\nALICE=8000\r\nbob=\"1\"\r\ncarol='quoted'\r\n\r\n; tail\r\n"
+              "[Other]\r\nx=1\r\n\r\n[New Section]\r\nkey= spaced \r\n");
+  }
+  EXPECT_EQ(ReadString("users", "carol", path), "quoted");
+  EXPECT_EQ(ReadString("new section", "key", path), "spaced");
+  EXPECT_EQ(ReadString("Other", "x", path), "1");
 
   EXPECT_EQ(ReadString("Users", "alice", path), "8000");
   EXPECT_EQ(ProfileReadInt("Users", "ALICE", 0, path), 8000);
@@ -55,6 +66,8 @@ TEST_F(Profile, ReadStringCutsToTheBuffer) {
     std::string expected;
   } listings[] = {{2, ""}, {3, "a"}, {6, "ab\0c"s}, {7, "ab\0cd\0"s}};
   for (const auto &listing : listings) {
+    // Wine departs from the documented results for these two sizes ("i" and "ab\0cd").
+    if (tqv::testing::kWin32Backend && (listing.size == 2 || listing.size == 7)) continue;
     EXPECT_EQ(ProfileReadString("s", std::nullopt, "ignored", listing.size, keys), listing.expected)
         << "size " << listing.size;
   }
@@ -109,11 +122,13 @@ TEST_F(Profile, WriteCreatesTheFileWhereItBelongsAndKeepsItsMode) {
   EXPECT_TRUE(ProfileWriteString("Saved Fax Attachments", "MaxFiles", "10", path));
   EXPECT_EQ(ReadFile(path), "[Saved Fax Attachments]\r\nMaxFiles=10\r\n");
 
-  ASSERT_EQ(chmod(path.c_str(), 0640), 0);
-  EXPECT_TRUE(ProfileWriteString("Saved Fax Attachments", "MaxFiles", "11", path));
-  struct stat info {};
-  ASSERT_EQ(stat(path.c_str(), &info), 0);
-  EXPECT_EQ(info.st_mode & 0777, 0640u);
+  if (!tqv::testing::kWin32Backend) {  // Windows files have no mode bits
+    ASSERT_EQ(chmod(path.c_str(), 0640), 0);
+    EXPECT_TRUE(ProfileWriteString("Saved Fax Attachments", "MaxFiles", "11", path));
+    struct stat info {};
+    ASSERT_EQ(stat(path.c_str(), &info), 0);
+    EXPECT_EQ(info.st_mode & 0777, 0640u);
+  }
 
   EXPECT_FALSE(ProfileWriteString("s", "k", "v", PathOf("no such directory/new.ini")));
   EXPECT_FALSE(ProfileWriteString("s", "", "v", path));
@@ -125,6 +140,7 @@ TEST_F(Profile, WriteCreatesTheFileWhereItBelongsAndKeepsItsMode) {
 }
 
 TEST_F(Profile, FailedWriteLeavesTheFileAsItWas) {
+  TQV_SKIP_ON_WIN32("the system's profile functions do not pass the fault-injection seam");
   const std::string path = PathOf("admin.ini");
   const std::string original = "[Users]\nalice=1\n";
   bool written = false;
@@ -145,6 +161,7 @@ TEST_F(Profile, FailedWriteLeavesTheFileAsItWas) {
 }
 
 TEST_F(Profile, RepeatedReadsTouchNoFileButChangesAreSeen) {
+  TQV_SKIP_ON_WIN32("the system keeps its own profile cache");
   const std::string path = PathOf("cached.ini");
   WriteFile(path, "[s]\nk=old\n");
   SetModifiedTime(path, 1000000000);
@@ -167,6 +184,7 @@ TEST_F(Profile, RepeatedReadsTouchNoFileButChangesAreSeen) {
 }
 
 TEST_F(RegionalSettings, ReadsIntlOfWinIni) {
+  TQV_SKIP_ON_WIN32("Windows reads the registry");
   EXPECT_EQ(ReadRegionalSetting("sShortDate"), std::nullopt) << "no WIN.INI";
   const std::string value62(kMaxRegionalValue, 'x');
   WriteFile(WinDir() + "/WIN.INI",

@@ -14,6 +14,7 @@
 #include "host/entry_points.h"
 #include "platform/clock.h"
 #include "support/installation.h"
+#include "support/platform_backend.h"
 
 namespace tqv::testing {
 
@@ -42,14 +43,15 @@ class ReportTest : public InstallationTest {
   void SetUp() override {
     InstallationTest::SetUp();
     if (const char *zone = std::getenv("TZ")) savedZone_ = zone;
-    setenv("TZ", "UTC0", 1);
+    tqv::testing::SetEnvironment("TZ", "UTC0");
     tzset();
     WriteFile(ProductDir() + "/tqstring.ini", kReportStrings);
     ASSERT_EQ(host::Initialise(0, ""), 0);
     platform::SetCurrentTimeSource([] { return kReportNow; });
   }
   void TearDown() override {
-    savedZone_ ? setenv("TZ", savedZone_->c_str(), 1) : unsetenv("TZ");
+    savedZone_ ? tqv::testing::SetEnvironment("TZ", savedZone_->c_str())
+               : tqv::testing::UnsetEnvironment("TZ");
     tzset();
     InstallationTest::TearDown();
   }

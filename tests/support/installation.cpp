@@ -5,15 +5,18 @@
 #include <sstream>
 
 #include "host/entry_points.h"
-#include "platform/posix/native_path.h"
 #include "platform/profile.h"
+#include "support/platform_backend.h"
+#if !defined(_WIN32)
+#include "platform/posix/native_path.h"
+#endif
 
 namespace tqv::testing {
 
 void InstallationTest::SetUp() {
   TempDirTest::SetUp();
   host::ResetLibraryStateForTesting();
-  setenv("TQVSPOOL_EVENTLOG", PathOf("events.log").c_str(), 1);
+  SetEnvironment("TQVSPOOL_EVENTLOG", PathOf("events.log"));
   std::filesystem::create_directories(ProductDir());
   std::filesystem::create_directories(GatewayIn());
   std::filesystem::create_directories(GatewayOut());
@@ -28,12 +31,16 @@ void InstallationTest::SetUp() {
 
 void InstallationTest::TearDown() {
   host::ResetLibraryStateForTesting();
-  unsetenv("TQVSPOOL_EVENTLOG");
+  UnsetEnvironment("TQVSPOOL_EVENTLOG");
   TempDirTest::TearDown();
 }
 
 std::string InstallationTest::Native(std::string_view windowsPath) {
+#if defined(_WIN32)
+  return std::string(windowsPath);
+#else
   return platform::ToNativePath(windowsPath);
+#endif
 }
 
 void InstallationTest::SetConfig(std::string_view section, std::string_view key,

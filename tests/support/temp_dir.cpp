@@ -3,28 +3,54 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <set>
 #include <sstream>
 
 #include "platform/platform_state.h"
+#include "platform/windows_directory.h"
+#include "support/platform_backend.h"
 
 namespace tqv::testing {
 
 namespace fs = std::filesystem;
 
+namespace {
+
+std::set<std::string> NamesIn(const std::string &directory) {
+  std::set<std::string> names;
+  std::error_code failed;
+  for (const fs::directory_entry &entry : fs::directory_iterator(directory, failed))
+    names.insert(entry.path().filename().string());
+  return names;
+}
+
+}  // namespace
+
 void TempDirTest::SetUp() {
-  std::string pattern = (fs::temp_directory_path() / "tqvtest.XXXXXX").string();
-  ASSERT_NE(mkdtemp(pattern.data()), nullptr);
-  dir_ = pattern;
-  winDir_ = dir_ + "/windows";
-  fs::create_directory(winDir_);
-  setenv("TQVSPOOL_WINDIR", winDir_.c_str(), 1);
-  unsetenv("TQVSPOOL_EVENTLOG");
+  dir_ = MakeTemporaryDirectory();
+  ASSERT_FALSE(dir_.empty());
+  if (kWin32Backend) {
+    // The system's own Windows directory (a private Wine prefix's): what a test adds there goes
+    // again in TearDown.
+    winDir_ = platform::WindowsDirectory();
+    winDirNames_ = NamesIn(winDir_);
+  } else {
+    winDir_ = dir_ + "/windows";
+    fs::create_directory(winDir_);
+    SetEnvironment("TQVSPOOL_WINDIR", winDir_);
+  }
+  UnsetEnvironment("TQVSPOOL_EVENTLOG");
   platform::ResetPlatformStateForTesting();
 }
 
 void TempDirTest::TearDown() {
   platform::ResetPlatformStateForTesting();
   std::error_code ignored;
+  if (kWin32Backend) {
+    for (const std::string &name : NamesIn(winDir_)) {
+      if (!winDirNames_.contains(name)) fs::remove_all(fs::path(winDir_) / name, ignored);
+    }
+  }
   fs::remove_all(dir_, ignored);
 }
 

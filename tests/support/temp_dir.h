@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <set>
 #include <string>
 #include <string_view>
 
@@ -18,7 +19,8 @@ class TempDirTest : public ::testing::Test {
   const std::string &Dir() const { return dir_; }
   // Dir() joined with a relative name.
   std::string PathOf(std::string_view name) const;
-  // The Windows directory of this test, already created: Dir() + "/windows".
+  // The Windows directory of this test, already created: Dir() + "/windows" on POSIX, the
+  // system's own on Windows, where what the test adds is removed afterwards.
   const std::string &WinDir() const { return winDir_; }
 
   void WriteFile(std::string_view path, std::string_view bytes) const;
@@ -28,6 +30,7 @@ class TempDirTest : public ::testing::Test {
  private:
   std::string dir_;
   std::string winDir_;
+  std::set<std::string> winDirNames_;  // what the system's Windows directory held before the test
 };
 
 }  // namespace tqv::testing

@@ -8,6 +8,7 @@
 
 #include "common/job_record.h"
 #include "platform/file.h"
+#include "support/platform_backend.h"
 #include "support/temp_dir.h"
 
 namespace tqv::tool {
@@ -72,14 +73,14 @@ class QueueRendering : public ::testing::Test {
  protected:
   void SetUp() override {
     if (const char *zone = std::getenv("TZ")) savedZone_ = zone;
-    setenv("TZ", "UTC", 1);
+    tqv::testing::SetEnvironment("TZ", "UTC");
     tzset();
   }
   void TearDown() override {
     if (savedZone_) {
-      setenv("TZ", savedZone_->c_str(), 1);
+      tqv::testing::SetEnvironment("TZ", savedZone_->c_str());
     } else {
-      unsetenv("TZ");
+      tqv::testing::UnsetEnvironment("TZ");
     }
     tzset();
   }
