@@ -37,7 +37,7 @@ TEST(RegionalPatterns, RunsBecomeConversionsDatesAfterUpperCasingTimesWithCaseKe
 class RegionalFormats : public testing::TempDirTest {
  protected:
   void WriteIntl(const std::string &lines) const {
-    WriteFile(WinDir() + "/WIN.INI", "[intl]\r\n" + lines);
+    WriteRegionalSettings(lines);
     // Rewrites within one test may keep size and timestamp; drop the parsed copy.
     platform::ResetPlatformStateForTesting();
   }

@@ -16,7 +16,7 @@ class FaxLogs : public testing::ReportTest {
  protected:
   void SetUp() override {
     ReportTest::SetUp();
-    WriteFile(WinDir() + "/WIN.INI", "[intl]\r\nsShortDate=dd/MM/yyyy\r\n");
+    WriteRegionalSettings("sShortDate=dd/MM/yyyy\r\n");
     std::filesystem::create_directory(PathOf("archive"));
   }
   // The archive name the clock gives, counted up by `offset`.
@@ -98,7 +98,7 @@ TEST_F(FaxLogs, ReceiveLogNamesTheRoutedUsersAndArchivesFaxAndText) {
   AppendReceiveLog(receive, routed);
 
   // Without a date picture the date is empty.
-  WriteFile(WinDir() + "/WIN.INI", "");
+  WriteRegionalSettings("");
   receive.SetNumber(receive::Result, 5u);
   receive.SetText(receive::ArchiveDir, PathOf("gone"));
   RecipientList nobody;

@@ -12,7 +12,7 @@ namespace {
 
 class LogFormats : public testing::TempDirTest {
  protected:
-  void SetIntl(const std::string &lines) const { WriteFile(WinDir() + "/WIN.INI", "[intl]\r\n" + lines); }
+  void SetIntl(const std::string &lines) const { WriteRegionalSettings(lines); }
   static std::tm At(int year, int hour = 0, int minute = 0, int second = 0) {
     std::tm time{};
     time.tm_year = year - 1900;

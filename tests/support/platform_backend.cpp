@@ -1,11 +1,15 @@
 #include "support/platform_backend.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <filesystem>
 #include <random>
 
 #if defined(_WIN32)
 #include <stdlib.h>
+#include <windows.h>
+
+#include <vector>
 #endif
 
 namespace tqv::testing {
@@ -41,6 +45,43 @@ std::string MakeTemporaryDirectory() {
 #else
   std::string pattern = (fs::temp_directory_path() / "tqvtest.XXXXXX").string();
   return mkdtemp(pattern.data()) != nullptr ? pattern : std::string();
+#endif
+}
+
+void ReplaceRegionalRegistryValues([[maybe_unused]] std::string_view intlLines) {
+#if defined(_WIN32)
+  HKEY key = nullptr;
+  if (::RegCreateKeyExA(HKEY_CURRENT_USER, "Control Panel\\International", 0, nullptr, 0, KEY_ALL_ACCESS,
+                        nullptr, &key, nullptr) != ERROR_SUCCESS) {
+    return;
+  }
+  std::vector<std::string> names;
+  char name[256];
+  for (DWORD index = 0;; ++index) {
+    DWORD length = sizeof name;
+    if (::RegEnumValueA(key, index, name, &length, nullptr, nullptr, nullptr, nullptr) != ERROR_SUCCESS)
+      break;
+    names.emplace_back(name, length);
+  }
+  for (const std::string &old : names)
+    ::RegDeleteValueA(key, old.c_str());
+  const auto trim = [](std::string_view text) {
+    const std::size_t first = text.find_first_not_of(" \t");
+    if (first == std::string_view::npos) return std::string();
+    return std::string(text.substr(first, text.find_last_not_of(" \t") - first + 1));
+  };
+  while (!intlLines.empty()) {
+    std::string_view line = intlLines.substr(0, intlLines.find('\n'));
+    intlLines.remove_prefix(std::min(intlLines.size(), line.size() + 1));
+    if (!line.empty() && line.back() == '\r') line.remove_suffix(1);
+    const std::size_t equals = line.find('=');
+    if (equals == std::string_view::npos || line.starts_with('[')) continue;
+    const std::string valueName = trim(line.substr(0, equals));
+    const std::string value = trim(line.substr(equals + 1));
+    ::RegSetValueExA(key, valueName.c_str(), 0, REG_SZ, reinterpret_cast<const BYTE *>(value.c_str()),
+                     static_cast<DWORD>(value.size() + 1));
+  }
+  ::RegCloseKey(key);
 #endif
 }
 

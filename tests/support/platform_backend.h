@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <string_view>
 
 namespace tqv::testing {
 
@@ -19,6 +20,10 @@ void UnsetEnvironment(const std::string &name);
 
 // A new, empty directory under the system's temporary directory; empty on failure.
 std::string MakeTemporaryDirectory();
+
+// Windows only: replaces every value of the user's "Control Panel\International" key by the
+// "name=value" lines given (none: no regional settings at all), as WIN.INI's [intl] does on POSIX.
+void ReplaceRegionalRegistryValues(std::string_view intlLines);
 
 }  // namespace tqv::testing
 

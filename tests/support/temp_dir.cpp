@@ -34,6 +34,7 @@ void TempDirTest::SetUp() {
     // again in TearDown.
     winDir_ = platform::WindowsDirectory();
     winDirNames_ = NamesIn(winDir_);
+    ReplaceRegionalRegistryValues("");
   } else {
     winDir_ = dir_ + "/windows";
     fs::create_directory(winDir_);
@@ -52,6 +53,14 @@ void TempDirTest::TearDown() {
     }
   }
   fs::remove_all(dir_, ignored);
+}
+
+void TempDirTest::WriteRegionalSettings(std::string_view intlLines) const {
+  if (kWin32Backend) {
+    ReplaceRegionalRegistryValues(intlLines);
+  } else {
+    WriteFile(winDir_ + "/WIN.INI", "[intl]\r\n" + std::string(intlLines));
+  }
 }
 
 std::string TempDirTest::PathOf(std::string_view name) const {

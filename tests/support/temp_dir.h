@@ -24,6 +24,9 @@ class TempDirTest : public ::testing::Test {
   const std::string &WinDir() const { return winDir_; }
 
   void WriteFile(std::string_view path, std::string_view bytes) const;
+  // The user's regional settings: the "name=value" lines of WIN.INI's [intl] on POSIX, the
+  // registry key they stand for on Windows. Until a test calls it there are none.
+  void WriteRegionalSettings(std::string_view intlLines) const;
   std::string ReadFile(std::string_view path) const;
   bool Exists(std::string_view path) const;
 
