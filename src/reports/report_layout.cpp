@@ -94,9 +94,9 @@ std::string CurrentDateAndTime() {
 
 // True for flags, width and precision that printf can honour in a small buffer: widths and
 // precisions of at most two digits.
-bool IsModestSpec(std::string_view spec) {
+bool IsModestDirective(std::string_view directive) {
   std::size_t digitRun = 0;
-  for (char c : spec) {
+  for (char c : directive) {
     digitRun = (c >= '0' && c <= '9') ? digitRun + 1 : 0;
     if (digitRun > 2) return false;
   }
@@ -118,17 +118,17 @@ std::string FormatNumbers(std::string_view format, std::initializer_list<std::in
       pos += 2;
       continue;
     }
-    const std::size_t specEnd = std::min(format.find_first_not_of("-+ #0123456789.", pos + 1), format.size());
-    const std::size_t end = std::min(format.find_first_not_of("hlLqjzt", specEnd), format.size());
-    const std::string_view spec = format.substr(pos + 1, specEnd - pos - 1);
+    const std::size_t directiveEnd = std::min(format.find_first_not_of("-+ #0123456789.", pos + 1), format.size());
+    const std::size_t end = std::min(format.find_first_not_of("hlLqjzt", directiveEnd), format.size());
+    const std::string_view directive = format.substr(pos + 1, directiveEnd - pos - 1);
     const char conversion = end < format.size() ? format[end] : '\0';
     if (conversion == '\0' || std::string_view("diuxX").find(conversion) == std::string_view::npos ||
-        next == numbers.end() || !IsModestSpec(spec)) {
+        next == numbers.end() || !IsModestDirective(directive)) {
       result += '%';
       ++pos;
       continue;
     }
-    const std::string single = "%" + std::string(spec) + conversion;
+    const std::string single = "%" + std::string(directive) + conversion;
     char piece[128];
     if (conversion == 'd' || conversion == 'i')
       std::snprintf(piece, sizeof piece, single.c_str(), static_cast<int>(*next));
