@@ -20,6 +20,10 @@ using CommandAction = std::function<int()>;
 
 void AddHostCommand(CLI::App &app, CommandAction &action);
 void AddQueueCommand(CLI::App &app, CommandAction &action);
+void AddAdminCommand(CLI::App &app, CommandAction &action);
+void AddCheckCommand(CLI::App &app, CommandAction &action);
+void AddLogCommand(CLI::App &app, CommandAction &action);
+void AddTrafficCommand(CLI::App &app, CommandAction &action);
 #ifdef TQV_MAIL_BRIDGE
 void AddMailCommand(CLI::App &app, CommandAction &action);
 #endif

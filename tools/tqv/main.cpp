@@ -26,6 +26,10 @@ int main(int argc, char **argv) {
   tqv::tool::CommandAction action;
   tqv::tool::AddHostCommand(app, action);
   tqv::tool::AddQueueCommand(app, action);
+  tqv::tool::AddAdminCommand(app, action);
+  tqv::tool::AddCheckCommand(app, action);
+  tqv::tool::AddLogCommand(app, action);
+  tqv::tool::AddTrafficCommand(app, action);
 #ifdef TQV_MAIL_BRIDGE
   tqv::tool::AddMailCommand(app, action);
 #endif
