@@ -2,14 +2,10 @@
 // message text; a subject that ends in a blank comes without an attached file. Beyond crashes and sanitizer
 // findings it aborts when a result is neither 0 nor -1, when the error text outgrows its buffer, or when a
 // stored file is left that no saved-file entry names.
-#include <stdlib.h>
-
 #include <algorithm>
 #include <cctype>
 #include <cstdint>
-#include <cstdio>
 #include <filesystem>
-#include <fstream>
 #include <string>
 
 #include "admin/admin_commands.h"
@@ -19,6 +15,7 @@
 #include "config/message_strings.h"
 #include "config/service_state.h"
 #include "config/settings_files.h"
+#include "fuzz_support.h"
 #include "reports/admin_listing.h"
 
 namespace {
@@ -27,10 +24,8 @@ namespace fs = std::filesystem;
 
 constexpr std::int32_t kMaxFiles = 3;
 
-[[noreturn]] void Fail(const char *what) {
-  std::fprintf(stderr, "admin_form_fuzz: %s\n", what);
-  std::abort();
-}
+using tqv::fuzz::Fail;
+using tqv::fuzz::WriteBytes;
 
 std::string Upper(std::string text) {
   std::transform(text.begin(), text.end(), text.begin(), [](unsigned char c) { return std::toupper(c); });
@@ -40,34 +35,29 @@ std::string Upper(std::string text) {
 // A product directory whose settings allow three small files of each kind, a string file with
 // careless placeholders, and two attached files. Made on first use, removed at exit.
 const fs::path &Sandbox() {
-  static const fs::path *directory = [] {
-    std::string pattern = (fs::temp_directory_path() / "tqvfuzz.XXXXXX").string();
-    if (mkdtemp(pattern.data()) == nullptr) Fail("cannot make a temporary directory");
-    const fs::path *made = new fs::path(pattern);
-    std::atexit([] {
-      std::error_code ignored;
-      fs::remove_all(*directory, ignored);
-    });
-    for (const char *sub : {"windows/Corvanta", "COVER", "ATTACH", "in"})
-      fs::create_directories(*made / sub);
-    std::ofstream(*made / "windows/Corvanta/TQVMSERV.INI") << "[Corvanta]\r\nDirectory=" << pattern << "\r\n";
-    std::ofstream config(*made / "tqvconfg.ini");
+  static const bool ready = [] {
+    const fs::path &sandbox = tqv::fuzz::Sandbox();
+    for (const char *sub : {"COVER", "ATTACH", "in"})
+      fs::create_directories(sandbox / sub);
+    std::string config;
     for (const char *section :
          {"Saved Coverpage Attachments", "Saved Template Attachments", "Saved Fax Attachments"})
-      config << "[" << section << "]\r\nMaxFiles=" << kMaxFiles << "\r\nMaxSize=1\r\nCheckFormat=1\r\n";
-    config.close();
-    std::ofstream(*made / "tqstring.ini") << "[English]\r\nT800=none\r\nT809=%s %n\r\nT815=%-2000d\r\n"
-                                             "T818=%.3s %s %d\r\nT904=%300s\r\nT905=%%s\r\n";
-    std::ofstream(*made / "in/letter.rtf") << "{\\rtf letter}";
-    std::ofstream(*made / "in/page.tif") << "II*";
-    setenv("TQVSPOOL_WINDIR", (*made / "windows").c_str(), 1);
-    tqv::InitAdminDatabase(pattern, kMaxFiles, kMaxFiles, kMaxFiles);
-    tqv::InitStrings("Mail", (*made / "tqstring.ini").string(), tqv::kLanguageEnglish);
-    tqv::CurrentService().coverDirectory = (*made / "COVER").string();
-    tqv::CurrentService().attachmentDirectory = (*made / "ATTACH").string();
-    return made;
+      config += std::string("[") + section + "]\r\nMaxFiles=" + std::to_string(kMaxFiles) +
+                "\r\nMaxSize=1\r\nCheckFormat=1\r\n";
+    tqv::fuzz::InstallProduct(sandbox, config);
+    WriteBytes(sandbox / "tqstring.ini",
+               "[English]\r\nT800=none\r\nT809=%s %n\r\nT815=%-2000d\r\n"
+               "T818=%.3s %s %d\r\nT904=%300s\r\nT905=%%s\r\n");
+    WriteBytes(sandbox / "in/letter.rtf", "{\\rtf letter}");
+    WriteBytes(sandbox / "in/page.tif", "II*");
+    tqv::InitAdminDatabase(sandbox.string(), kMaxFiles, kMaxFiles, kMaxFiles);
+    tqv::InitStrings("Mail", (sandbox / "tqstring.ini").string(), tqv::kLanguageEnglish);
+    tqv::CurrentService().coverDirectory = (sandbox / "COVER").string();
+    tqv::CurrentService().attachmentDirectory = (sandbox / "ATTACH").string();
+    return true;
   }();
-  return *directory;
+  (void)ready;
+  return tqv::fuzz::Sandbox();
 }
 
 // Entry 0 of the cover pages and templates, a saved cover page and template, nothing stored.
@@ -75,16 +65,15 @@ void ResetDatabase() {
   for (const char *sub : {"COVER", "ATTACH"})
     for (const auto &entry : fs::directory_iterator(Sandbox() / sub))
       fs::remove(entry.path());
-  std::ofstream(Sandbox() / "tqvadmin.ini")
-      << "[Recipients Properties]\r\njoe=256\r\n[joe]\r\nC_00000=COVERPGE,std.rtf\r\nC_00001=Memo,"
-      << (Sandbox() / "COVER/memo.rtf").string()
-      << "\r\nT_00000=TEMPLATE,tmpl.rtf\r\nDefaultTemplate=Memo\r\n";
-  std::ofstream(Sandbox() / "COVER/memo.rtf") << "{\\rtf}";
+  WriteBytes(Sandbox() / "tqvadmin.ini",
+             "[Recipients Properties]\r\njoe=256\r\n[joe]\r\nC_00000=COVERPGE,std.rtf\r\nC_00001=Memo," +
+                 (Sandbox() / "COVER/memo.rtf").string() +
+                 "\r\nT_00000=TEMPLATE,tmpl.rtf\r\nDefaultTemplate=Memo\r\n");
+  WriteBytes(Sandbox() / "COVER/memo.rtf", "{\\rtf}");
 }
 
 void CheckStoredFiles() {
-  std::ifstream in(Sandbox() / "tqvadmin.ini", std::ios::binary);
-  const std::string database = Upper(std::string(std::istreambuf_iterator<char>(in), {}));
+  const std::string database = Upper(tqv::fuzz::ReadBytes(Sandbox() / "tqvadmin.ini"));
   for (const char *sub : {"COVER", "ATTACH"})
     for (const auto &entry : fs::directory_iterator(Sandbox() / sub))
       if (database.find(Upper(entry.path().filename().string())) == std::string::npos)

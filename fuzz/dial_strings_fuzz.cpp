@@ -1,16 +1,13 @@
 // The dial-string rules on arbitrary recipient addresses and dial settings. Input lines: the
 // address, then the international prefix, the country code and the area code. Beyond crashes and
 // sanitizer findings it aborts when a result outgrows its field or a JFAX address is malformed.
-#include <stdlib.h>
-
 #include <cstdint>
-#include <cstdio>
 #include <filesystem>
-#include <fstream>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "fuzz_support.h"
 #include "outgoing/dial_strings.h"
 
 namespace {
@@ -20,28 +17,15 @@ namespace fs = std::filesystem;
 // The [Phone Properties] values hold at most this many characters.
 constexpr std::size_t kMaxPhoneSetting = 19;
 
-[[noreturn]] void Fail(const char *what) {
-  std::fprintf(stderr, "dial_strings_fuzz: %s\n", what);
-  std::abort();
-}
+using tqv::fuzz::Fail;
 
 // An installation whose settings give JFAX patterns, a domain and the display-name characters.
-// Made on first use, removed at exit.
 void Install() {
   static const bool installed = [] {
-    std::string pattern = (fs::temp_directory_path() / "tqvfuzz.XXXXXX").string();
-    if (mkdtemp(pattern.data()) == nullptr) Fail("cannot make a temporary directory");
-    static const fs::path directory(pattern);
-    std::atexit([] {
-      std::error_code ignored;
-      fs::remove_all(directory, ignored);
-    });
-    fs::create_directories(directory / "Corvanta");
-    std::ofstream(directory / "Corvanta" / "TQVMSERV.INI") << "[Corvanta]\r\nDirectory=" << pattern << "\r\n";
-    std::ofstream(directory / "tqvconfg.ini")
-        << "[JFAX Dial]\r\nDial0=+44\r\nDial1=0049 (89)\r\nDial2=\"1-800 \"\r\nDomain= fax. example.net\r\n"
-           "[Intranet]\r\nSpacePlaceholder=_\r\nNameCompanyFaxSeparator=.\r\n";
-    setenv("TQVSPOOL_WINDIR", pattern.c_str(), 1);
+    tqv::fuzz::InstallProduct(tqv::fuzz::Sandbox(),
+                              "[JFAX Dial]\r\nDial0=+44\r\nDial1=0049 (89)\r\nDial2=\"1-800 \"\r\n"
+                              "Domain= fax. example.net\r\n"
+                              "[Intranet]\r\nSpacePlaceholder=_\r\nNameCompanyFaxSeparator=.\r\n");
     return true;
   }();
   (void)installed;

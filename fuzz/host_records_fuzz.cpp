@@ -2,61 +2,45 @@
 // S_JfaxReady or S_FaxPending, or as a receive record into S_FaxReceived (the first input byte
 // chooses). Every path field is pointed into the sandbox first, keeping the fuzzed name, so the
 // library's deletions and copies can only touch the sandbox.
-#include <stdlib.h>
-
 #include <algorithm>
 #include <array>
 #include <cctype>
 #include <cstdint>
-#include <cstdio>
 #include <filesystem>
-#include <fstream>
 #include <string>
 
 #include "common/job_record.h"
 #include "common/receive_record.h"
+#include "fuzz_support.h"
 #include "host/entry_points.h"
 
 namespace {
 
 namespace fs = std::filesystem;
 
-[[noreturn]] void Fail(const char *what) {
-  std::fprintf(stderr, "host_records_fuzz: %s\n", what);
-  std::abort();
-}
+using tqv::fuzz::Fail;
+using tqv::fuzz::WriteBytes;
 
-void Write(const fs::path &path, const std::string &bytes) {
-  std::ofstream(path, std::ios::binary) << bytes;
-}
-
+// The installation, set up and started on first use.
 const fs::path &Sandbox() {
-  static const fs::path *directory = [] {
-    std::string pattern = (fs::temp_directory_path() / "tqvfuzz.XXXXXX").string();
-    if (mkdtemp(pattern.data()) == nullptr) Fail("cannot make a temporary directory");
-    const fs::path *made = new fs::path(pattern);
-    std::atexit([] {
-      std::error_code ignored;
-      fs::remove_all(*directory, ignored);
-    });
-    for (const char *sub : {"windows/Corvanta", "product/COVER", "gw/in", "gw/out", "files", "archive"})
-      fs::create_directories(*made / sub);
-    const fs::path product = *made / "product";
-    setenv("TQVSPOOL_WINDIR", (*made / "windows").c_str(), 1);
-    setenv("TQVSPOOL_EVENTLOG", (*made / "events.log").c_str(), 1);
-    Write(*made / "windows/Corvanta/TQVMSERV.INI", "[Corvanta]\r\nDirectory=" + product.string() + "\r\n");
-    Write(product / "tqvconfg.ini", "[Directories]\r\nGatewayIn=" + (*made / "gw/in").string() +
-                                        "\r\nGatewayOut=" + (*made / "gw/out").string() +
-                                        "\r\nCoverDir=" + (product / "COVER").string() + "\r\n");
-    Write(product / "tqstring.ini",
-          "[English]\r\nT631=%d of %d\r\nT660=unknown\r\nT900=OK \r\nT901=Failed \r\n");
+  static const bool started = [] {
+    const fs::path &sandbox = tqv::fuzz::Sandbox();
+    for (const char *sub : {"product/COVER", "gw/in", "gw/out", "files", "archive"})
+      fs::create_directories(sandbox / sub);
+    const fs::path product = sandbox / "product";
+    tqv::fuzz::InstallProduct(product, "[Directories]\r\nGatewayIn=" + (sandbox / "gw/in").string() +
+                                           "\r\nGatewayOut=" + (sandbox / "gw/out").string() +
+                                           "\r\nCoverDir=" + (product / "COVER").string() + "\r\n");
+    WriteBytes(product / "tqstring.ini",
+               "[English]\r\nT631=%d of %d\r\nT660=unknown\r\nT900=OK \r\nT901=Failed \r\n");
     // ann learns stations and gets her documents back either way; every user takes unrouted faxes.
-    Write(product / "tqvadmin.ini",
-          "[Recipient List]\r\nann=Ann\r\nbob=Bob\r\n[Recipients Properties]\r\nann=3295\r\nbob=3\r\n");
+    WriteBytes(product / "tqvadmin.ini",
+               "[Recipient List]\r\nann=Ann\r\nbob=Bob\r\n[Recipients Properties]\r\nann=3295\r\nbob=3\r\n");
     if (tqv::host::Initialise(0, "") != 0) Fail("the library does not start in the sandbox");
-    return made;
+    return true;
   }();
-  return *directory;
+  (void)started;
+  return tqv::fuzz::Sandbox();
 }
 
 // The field's text as a file name in the sandbox's files folder: letters, digits and dots only.
@@ -78,7 +62,7 @@ void ResetSandbox() {
   for (const char *log : {"product/sendlog.txt", "product/rcvlog.txt", "events.log"})
     fs::remove(Sandbox() / log);
   for (const char *name : {"a.tif", "b.txt", "f0", "f1", "ann.TMP"})
-    Write(Sandbox() / "files" / name, "II*\0x");
+    WriteBytes(Sandbox() / "files" / name, "II*");
 }
 
 }  // namespace

@@ -1,19 +1,15 @@
 // Any bytes as an INI file: every query answers, and an edit that was accepted reads back after
 // the file is written and parsed again, with every other key where it was.
 #include <cstdint>
-#include <cstdio>
-#include <cstdlib>
 #include <string>
 #include <string_view>
 
+#include "fuzz_support.h"
 #include "platform/ini_document.h"
 
 namespace {
 
-[[noreturn]] void Fail(const char *what) {
-  std::fprintf(stderr, "ini_document_fuzz: %s\n", what);
-  std::abort();
-}
+using tqv::fuzz::Fail;
 
 }  // namespace
 

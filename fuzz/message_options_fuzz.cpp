@@ -1,19 +1,15 @@
 // A message text as a user might write it: split into option lines and text, then the option
 // lines read. Beyond crashes and sanitizer findings it aborts when a byte of the text is lost or
 // doubled, or when a recipient, document, option or error text outgrows its field.
-#include <stdlib.h>
-
 #include <algorithm>
 #include <cstdint>
-#include <cstdio>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <string>
 
 #include "config/admin_database.h"
 #include "config/message_strings.h"
 #include "config/service_state.h"
+#include "fuzz_support.h"
 #include "outgoing/body_splitting.h"
 #include "outgoing/option_lines.h"
 #include "platform/file_system.h"
@@ -22,42 +18,31 @@ namespace {
 
 namespace fs = std::filesystem;
 
-[[noreturn]] void Fail(const char *what) {
-  std::fprintf(stderr, "message_options_fuzz: %s\n", what);
-  std::abort();
-}
+using tqv::fuzz::Fail;
 
 // A product directory with a string file, one user with two saved attachments (one of them
 // missing) and a work directory. Made on first use, removed at exit.
 const fs::path &Sandbox() {
-  static const fs::path *directory = [] {
-    std::string pattern = (fs::temp_directory_path() / "tqvfuzz.XXXXXX").string();
-    if (mkdtemp(pattern.data()) == nullptr) Fail("cannot make a temporary directory");
-    const fs::path *made = new fs::path(pattern);
-    std::atexit([] {
-      std::error_code ignored;
-      fs::remove_all(*directory, ignored);
-    });
-    fs::create_directory(*made / "work");
-    std::ofstream(*made / "terms.doc") << "terms";
-    std::ofstream(*made / "tqvadmin.ini") << "[joe]\r\nA_00000=terms," << (*made / "terms.doc").string()
-                                          << "\r\nA_00001=gone," << (*made / "gone").string() << "\r\n";
+  static const bool ready = [] {
+    const fs::path &sandbox = tqv::fuzz::Sandbox();
+    fs::create_directory(sandbox / "work");
+    tqv::fuzz::WriteBytes(sandbox / "terms.doc", "terms");
+    tqv::fuzz::WriteBytes(sandbox / "tqvadmin.ini",
+                          "[joe]\r\nA_00000=terms," + (sandbox / "terms.doc").string() + "\r\nA_00001=gone," +
+                              (sandbox / "gone").string() + "\r\n");
     // Placeholders of the wrong kind and widths, as a careless translation might have them.
-    std::ofstream(*made / "tqstring.ini")
-        << "[English]\r\nT700=unreadable\r\nT701=not options\r\nT707=twice\r\nT716=%s %d %d\r\n"
-           "T717=%-300d%%\r\nT718=%.2s %s\r\nT719=%300s\r\nT720=%s %n %ld %*d\r\n";
-    setenv("TQVSPOOL_WINDIR", pattern.c_str(), 1);
-    tqv::InitAdminDatabase(pattern, 10, 10, 10);
-    tqv::InitStrings("Mail", (*made / "tqstring.ini").string(), tqv::kLanguageEnglish);
-    tqv::CurrentService().workDirectory = (*made / "work").string();
-    return made;
+    tqv::fuzz::WriteBytes(
+        sandbox / "tqstring.ini",
+        "[English]\r\nT700=unreadable\r\nT701=not options\r\nT707=twice\r\nT716=%s %d %d\r\n"
+        "T717=%-300d%%\r\nT718=%.2s %s\r\nT719=%300s\r\nT720=%s %n %ld %*d\r\n");
+    tqv::fuzz::InstallProduct(sandbox, "");
+    tqv::InitAdminDatabase(sandbox.string(), 10, 10, 10);
+    tqv::InitStrings("Mail", (sandbox / "tqstring.ini").string(), tqv::kLanguageEnglish);
+    tqv::CurrentService().workDirectory = (sandbox / "work").string();
+    return true;
   }();
-  return *directory;
-}
-
-std::string Contents(const fs::path &path) {
-  std::ifstream in(path, std::ios::binary);
-  return std::string(std::istreambuf_iterator<char>(in), {});
+  (void)ready;
+  return tqv::fuzz::Sandbox();
 }
 
 std::size_t NonBlank(const std::string &bytes) {
@@ -87,11 +72,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
   const fs::path setup = Sandbox() / "tqvsetup.tmp";
   const fs::path text = Sandbox() / "tqvmesg.tmp";
   const std::string input(reinterpret_cast<const char *>(data), size);
-  std::ofstream(body, std::ios::binary | std::ios::trunc) << input;
+  tqv::fuzz::WriteBytes(body, input);
 
   if (tqv::SplitBody(body.string(), setup.string(), text.string()) != 0) Fail("the split failed");
-  const std::string setupBytes = Contents(setup);
-  const std::string textBytes = Contents(text);
+  const std::string setupBytes = tqv::fuzz::ReadBytes(setup);
+  const std::string textBytes = tqv::fuzz::ReadBytes(text);
   // Outputs that were blank are gone, so only the bytes that are not blanks can be counted.
   const std::size_t inputBytes = NonBlank(input);
   const std::size_t outputBytes = NonBlank(setupBytes) + NonBlank(textBytes);

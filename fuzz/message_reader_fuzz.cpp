@@ -1,19 +1,16 @@
 // MessageReader on arbitrary bytes, as a mail gateway might leave them. Beyond crashes and
 // sanitizer findings it aborts when an extraction writes anywhere but its target, when a failed
 // extraction leaves a file at its target, or when a getter hands out more than its field holds.
-#include <stdlib.h>
-
 #include <array>
 #include <cstdint>
-#include <cstdio>
 #include <cstring>
 #include <filesystem>
-#include <fstream>
 #include <set>
 #include <span>
 #include <string>
 
 #include "common/text_limits.h"
+#include "fuzz_support.h"
 #include "gateway/message_reader.h"
 
 namespace {
@@ -24,25 +21,8 @@ constexpr const char *kMessageName = "SGW0.TMP";
 constexpr const char *kBodyName = "BODY.TXT";
 constexpr const char *kAttachmentName = "ATTACH.BIN";
 
-[[noreturn]] void Fail(const char *what) {
-  std::fprintf(stderr, "message_reader_fuzz: %s\n", what);
-  std::abort();
-}
-
-// Made on first use and removed at exit; never destroyed itself, so the exit handler can use it.
-const fs::path &Sandbox() {
-  static const fs::path *directory = [] {
-    std::string pattern = (fs::temp_directory_path() / "tqvfuzz.XXXXXX").string();
-    if (mkdtemp(pattern.data()) == nullptr) Fail("cannot make a temporary directory");
-    return new fs::path(pattern);
-  }();
-  static const bool removedAtExit = std::atexit([] {
-                                      std::error_code ignored;
-                                      fs::remove_all(*directory, ignored);
-                                    }) == 0;
-  (void)removedAtExit;
-  return *directory;
-}
+using tqv::fuzz::Fail;
+using tqv::fuzz::Sandbox;
 
 // Only the message and the two targets may ever be in the sandbox.
 void CheckNothingElseWritten() {
@@ -79,8 +59,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
   const fs::path message = Sandbox() / kMessageName;
   const fs::path body = Sandbox() / kBodyName;
   const fs::path attachment = Sandbox() / kAttachmentName;
-  std::ofstream(message, std::ios::binary | std::ios::trunc)
-      .write(reinterpret_cast<const char *>(data), static_cast<std::streamsize>(size));
+  tqv::fuzz::WriteBytes(message, std::string_view(reinterpret_cast<const char *>(data), size));
 
   {
     tqv::MessageReader reader;

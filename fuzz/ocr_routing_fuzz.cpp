@@ -2,39 +2,24 @@
 // first byte also picks the ratio and its first line the phrase. Beyond crashes and sanitizer
 // findings it aborts when a kept line or word breaks its limits, when a line does not match its
 // own first words, or when a phrase that matches with some ratio fails with a lower one.
-#include <stdlib.h>
-
 #include <cstdint>
-#include <cstdio>
 #include <filesystem>
-#include <fstream>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "fuzz_support.h"
 #include "incoming/ocr_matching.h"
 
 namespace {
 
 namespace fs = std::filesystem;
 
-[[noreturn]] void Fail(const char *what) {
-  std::fprintf(stderr, "ocr_routing_fuzz: %s\n", what);
-  std::abort();
-}
+using tqv::fuzz::Fail;
 
-// The file every input is written to, in a directory made on first use and removed at exit.
+// The file every input is written to.
 const std::string &TextFile() {
-  static const std::string path = [] {
-    std::string pattern = (fs::temp_directory_path() / "tqvfuzz.XXXXXX").string();
-    if (mkdtemp(pattern.data()) == nullptr) Fail("cannot make a temporary directory");
-    static const fs::path directory(pattern);
-    std::atexit([] {
-      std::error_code ignored;
-      fs::remove_all(directory, ignored);
-    });
-    return (directory / "ocr.txt").string();
-  }();
+  static const std::string path = (tqv::fuzz::Sandbox() / "ocr.txt").string();
   return path;
 }
 
@@ -55,7 +40,7 @@ void CheckLimits(const std::vector<tqv::OcrWords> &lines) {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size) {
   const std::string_view input(reinterpret_cast<const char *>(data), size);
-  std::ofstream(TextFile(), std::ios::binary | std::ios::trunc).write(input.data(), std::streamsize(size));
+  tqv::fuzz::WriteBytes(TextFile(), input);
   const std::optional<std::vector<tqv::OcrWords>> lines = tqv::ReadOcrTextLines(TextFile());
   if (!lines) Fail("an existing file could not be read");
   CheckLimits(*lines);

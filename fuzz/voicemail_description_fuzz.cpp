@@ -1,17 +1,14 @@
 // Description files as a voice recorder might leave them: the first eight input bytes name the file
 // (so bad names are fuzzed too), the rest is its text; one voicemail pass then delivers it. The
 // pass must remove every description file it read and never lose a recording.
-#include <stdlib.h>
-
 #include <algorithm>
 #include <cctype>
 #include <cstdint>
-#include <cstdio>
 #include <filesystem>
-#include <fstream>
 #include <string>
 
 #include "config/service_state.h"
+#include "fuzz_support.h"
 #include "host/entry_points.h"
 #include "incoming/voicemail_delivery.h"
 
@@ -19,43 +16,30 @@ namespace {
 
 namespace fs = std::filesystem;
 
-[[noreturn]] void Fail(const char *what) {
-  std::fprintf(stderr, "voicemail_description_fuzz: %s\n", what);
-  std::abort();
-}
+using tqv::fuzz::Fail;
+using tqv::fuzz::WriteBytes;
 
-void Write(const fs::path &path, const std::string &bytes) {
-  std::ofstream(path, std::ios::binary) << bytes;
-}
-
+// The installation, set up and started on first use.
 const fs::path &Sandbox() {
-  static const fs::path *directory = [] {
-    std::string pattern = (fs::temp_directory_path() / "tqvfuzz.XXXXXX").string();
-    if (mkdtemp(pattern.data()) == nullptr) Fail("cannot make a temporary directory");
-    const fs::path *made = new fs::path(pattern);
-    std::atexit([] {
-      std::error_code ignored;
-      fs::remove_all(*directory, ignored);
-    });
-    for (const char *sub : {"windows/Corvanta", "product/COVER", "product/VOICE", "gw/in", "gw/out"})
-      fs::create_directories(*made / sub);
-    const fs::path product = *made / "product";
-    setenv("TQVSPOOL_WINDIR", (*made / "windows").c_str(), 1);
-    setenv("TQVSPOOL_EVENTLOG", (*made / "events.log").c_str(), 1);
-    Write(*made / "windows/Corvanta/TQVMSERV.INI", "[Corvanta]\r\nDirectory=" + product.string() + "\r\n");
-    Write(product / "tqvconfg.ini", "[Directories]\r\nGatewayIn=" + (*made / "gw/in").string() +
-                                        "\r\nGatewayOut=" + (*made / "gw/out").string() +
-                                        "\r\nCoverDir=" + (product / "COVER").string() +
-                                        "\r\nVoicemail=" + (product / "VOICE").string() + "\r\n");
-    Write(product / "tqstring.ini", "[English]\r\nT4400=%s%s%n\r\nT651=%d\r\n");
+  static const bool started = [] {
+    const fs::path &sandbox = tqv::fuzz::Sandbox();
+    for (const char *sub : {"product/COVER", "product/VOICE", "gw/in", "gw/out"})
+      fs::create_directories(sandbox / sub);
+    const fs::path product = sandbox / "product";
+    tqv::fuzz::InstallProduct(product, "[Directories]\r\nGatewayIn=" + (sandbox / "gw/in").string() +
+                                           "\r\nGatewayOut=" + (sandbox / "gw/out").string() +
+                                           "\r\nCoverDir=" + (product / "COVER").string() +
+                                           "\r\nVoicemail=" + (product / "VOICE").string() + "\r\n");
+    WriteBytes(product / "tqstring.ini", "[English]\r\nT4400=%s%s%n\r\nT651=%d\r\n");
     // ann owns box 12; bob takes every recording nobody owns.
-    Write(product / "tqvadmin.ini",
-          "[Recipient List]\r\nann=Ann\r\nbob=Bob\r\n[Recipients Properties]\r\nann=0\r\nbob=3\r\n"
-          "[VoiceMail]\r\nann=0012|Ann\r\n");
+    WriteBytes(product / "tqvadmin.ini",
+               "[Recipient List]\r\nann=Ann\r\nbob=Bob\r\n[Recipients Properties]\r\nann=0\r\nbob=3\r\n"
+               "[VoiceMail]\r\nann=0012|Ann\r\n");
     if (tqv::host::Initialise(0, "") != 0) Fail("the library does not start in the sandbox");
-    return made;
+    return true;
   }();
-  return *directory;
+  (void)started;
+  return tqv::fuzz::Sandbox();
 }
 
 }  // namespace
@@ -72,8 +56,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
   if (name.empty()) name = "0";
   const std::string text(reinterpret_cast<const char *>(data) + std::min<std::size_t>(size, 8),
                          size - std::min<std::size_t>(size, 8));
-  Write(voice / (name + ".ID"), text);
-  Write(voice / (name + ".PCM"), "pcm");
+  WriteBytes(voice / (name + ".ID"), text);
+  WriteBytes(voice / (name + ".PCM"), "pcm");
 
   tqv::ScanVoicemail();
 
