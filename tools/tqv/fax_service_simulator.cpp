@@ -2,13 +2,22 @@
 // library: S_Scan, S_ScannedEventAccepted, then exactly one of S_FaxSent, S_JfaxReady or S_FaxPending.
 #include "tqv/fax_service_simulator.h"
 
+#include <algorithm>
 #include <array>
+#include <cctype>
+#include <filesystem>
+#include <optional>
 #include <set>
+#include <sstream>
+#include <system_error>
+#include <vector>
 
 #include "platform/clock.h"
+#include "platform/file.h"
 #include "tqv/display_text.h"
 #include "tqv/host_records.h"
 #include "tqv/loopback_line.h"
+#include "tqv/received_fax.h"
 
 namespace tqv::tool {
 
@@ -81,6 +90,78 @@ CycleCounts FaxServiceSimulator::RunCycle(const std::function<bool()> &stopReque
         Counted(ReadNumber(job, host_job::PagesTransferred), "page") + ", " + outcome);
   }
   return counts;
+}
+
+}  // namespace tqv::tool
+
+namespace tqv::tool {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+std::string Lower(std::string text) {
+  std::transform(text.begin(), text.end(), text.begin(), [](unsigned char c) { return std::tolower(c); });
+  return text;
+}
+
+// The fax a request describes, and the files of the directory it names; false with the reason.
+bool ParseReceiveRequest(const std::string &text, const fs::path &directory, ReceivedFax &fax,
+                         std::vector<fs::path> &named, std::string &error) {
+  std::istringstream lines(text);
+  for (std::string line; std::getline(lines, line);) {
+    if (!line.empty() && line.back() == '\r') line.pop_back();
+    const std::size_t equals = line.find('=');
+    if (equals == std::string::npos) continue;
+    const std::string key = Lower(line.substr(0, equals));
+    const std::string value = line.substr(equals + 1);
+    if (key == "image" || key == "ocr") {
+      const fs::path file = directory / value;
+      named.push_back(file);
+      (key == "image" ? fax.imageFile : fax.ocrTextFile) = file.string();
+    } else if (key == "csid") {
+      fax.csid = value.substr(0, kMaxCsid);
+    } else if (key == "dtmf") {
+      fax.dtmfDigits = value.substr(0, kMaxDtmfDigits);
+    } else if (key == "result") {
+      fax.result = static_cast<std::uint32_t>(std::strtoul(value.c_str(), nullptr, 10));
+    }
+  }
+  std::error_code failed;
+  if (fax.imageFile.empty())
+    error = "names no image";
+  else if (!fs::is_regular_file(fax.imageFile, failed))
+    error = "its image " + fax.imageFile + " does not exist";
+  return error.empty();
+}
+
+}  // namespace
+
+int PlayReceiveRequests(const EntryPoints &entries, const std::string &directory, std::ostream &out) {
+  std::error_code failed;
+  std::vector<fs::path> requests;
+  for (const auto &entry : fs::directory_iterator(directory, failed))
+    if (Lower(entry.path().extension().string()) == ".rcv") requests.push_back(entry.path());
+  std::sort(requests.begin(), requests.end());
+  int played = 0;
+  for (const fs::path &request : requests) {
+    std::optional<std::string> text;
+    if (std::optional<platform::File> held = platform::File::OpenExclusive(request.string()))
+      text = held->ReadAll();
+    if (!text) continue;  // its writer still holds it
+    ReceivedFax fax;
+    std::vector<fs::path> named{request};
+    std::string error;
+    if (ParseReceiveRequest(*text, request.parent_path(), fax, named, error) &&
+        PlayReceivedFax(entries, fax, out, error)) {
+      ++played;
+    } else {
+      out << "receive: request " << request.filename().string() << " " << error << "; removed" << std::endl;
+    }
+    for (const fs::path &file : named)
+      fs::remove(file, failed);
+  }
+  return played;
 }
 
 }  // namespace tqv::tool

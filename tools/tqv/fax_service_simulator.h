@@ -1,5 +1,6 @@
-// The outgoing side of the simulated fax service: scan cycles that take jobs from the library,
-// send them on the loopback line and hand them back, printing one line per event.
+// The simulated fax service: scan cycles that take jobs from the library, send them on the
+// loopback line and hand them back, and received faxes played from requests dropped into a
+// directory. One line per event.
 #pragma once
 
 #include <cstdint>
@@ -48,5 +49,12 @@ class FaxServiceSimulator {
   // Calls made so far, over all cycles, for failEvery.
   int calls_ = 0;
 };
+
+// Plays every received-fax request ("*.RCV") of `directory` once, then deletes the request and
+// the files it names there. A request is "Key=Value" lines: Image (required), Csid, Dtmf, Ocr and
+// Result, names relative to the directory. A request still held by its writer waits for the next
+// call; one that cannot be played is reported and removed, so it cannot come back forever.
+// The number of faxes handed to the library.
+int PlayReceiveRequests(const EntryPoints &entries, const std::string &directory, std::ostream &out);
 
 }  // namespace tqv::tool

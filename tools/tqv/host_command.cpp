@@ -1,5 +1,6 @@
 // `tqv host`: stands in for the fax service. Loads the library by name, starts it and runs scan
-// cycles on a loopback line until stopped; `tqv host receive` plays one received fax. A library
+// cycles on a loopback line until stopped, playing the received faxes dropped into --receive-dir
+// after each; `tqv host receive` plays one received fax. A library
 // that cannot be loaded ends it with exit code 2, a failed start with 1.
 #include <chrono>
 #include <csignal>
@@ -21,6 +22,7 @@ namespace {
 struct HostOptions {
   std::string library;
   std::string textDir;
+  std::string receiveDir;
   bool due = false;
   bool once = false;
   int intervalMs = 1000;
@@ -98,12 +100,17 @@ int RunHost(const HostOptions &options) {
   std::optional<HostLibrary> library;
   if (const int code = StartLibrary(options, library); code != kExitSuccess) return code;
   FaxServiceSimulator simulator(library->Entries(), {options.due ? 1 : 0, options.failEvery}, std::cout);
+  const auto playReceived = [&] {
+    if (!options.receiveDir.empty()) PlayReceiveRequests(library->Entries(), options.receiveDir, std::cout);
+  };
   if (options.once) {
     const CycleCounts counts = simulator.RunCycle(StopRequested);
+    playReceived();
     std::cout << "done: " << CycleSummary(counts) << std::endl;
   } else {
     while (!StopRequested()) {
       simulator.RunCycle(StopRequested);
+      playReceived();
       SleepUnlessStopped(options.intervalMs);
     }
   }
@@ -149,6 +156,11 @@ void AddHostCommand(CLI::App &app, CommandAction &action) {
   host->add_option("--library", options->library,
                    "The library to load (default: ../lib/libtqvspool.so beside tqv).");
   host->add_option("--text-dir", options->textDir, "Fax the text files of this directory as well.");
+  host->add_option(
+          "--receive-dir", options->receiveDir,
+          "Play the received faxes requested by *.RCV files of this directory (Image=, Csid=, Dtmf=, "
+          "Ocr=, Result= lines), each once, then delete them.")
+      ->check(CLI::ExistingDirectory);
   host->add_flag("--due", options->due, "Ask for due jobs too (the due-jobs flag of S_Scan).");
   host->add_flag("--once", options->once, "Run one scan cycle, then stop.");
   host->add_option("--interval", options->intervalMs, "Pause between scan cycles in milliseconds.")
