@@ -6,6 +6,7 @@
 #include <string>
 
 #include "tqv/commands.h"
+#include "tqv/completion.h"
 
 namespace {
 
@@ -33,6 +34,7 @@ int main(int argc, char **argv) {
 #ifdef TQV_MAIL_BRIDGE
   tqv::tool::AddMailCommand(app, action);
 #endif
+  tqv::tool::AddCompletionCommand(app, action);
 
   try {
     app.parse(argc, argv);
