@@ -106,6 +106,12 @@ bool AdminPutString(std::string_view section, std::string_view key, std::optiona
   return platform::ProfileWriteString(AdminSectionName(section), key, value, file);
 }
 
+bool AdminRemoveSection(std::string_view section) {
+  const std::string &file = AdminDatabase().path;
+  if (file.empty()) return false;
+  return platform::ProfileWriteString(AdminSectionName(section), std::nullopt, std::nullopt, file);
+}
+
 void ResetAdminDatabaseForTesting() {
   AdminDatabase() = AdminDatabaseState{};
 }

@@ -46,6 +46,8 @@ std::string AdminGetString(std::string_view section, std::optional<std::string_v
 std::int32_t AdminGetInt(std::string_view section, std::string_view key, std::int32_t defaultValue);
 // Sets the key, or removes it without a value. False when the file could not be written.
 bool AdminPutString(std::string_view section, std::string_view key, std::optional<std::string_view> value);
+// Removes the whole section with every key in it. False when the file could not be written.
+bool AdminRemoveSection(std::string_view section);
 
 // Forgets the path, the limits and all four iteration cursors.
 void ResetAdminDatabaseForTesting();

@@ -34,6 +34,13 @@ bool PatternMatches(std::string_view pattern, std::string_view number) {
   return true;
 }
 
+std::string DigitsOf(std::string_view text) {
+  std::string digits;
+  for (char c : text)
+    if (IsDigit(c)) digits += c;
+  return digits;
+}
+
 }  // namespace
 
 std::optional<std::string> FirstBlockedNumber(std::string_view user, std::size_t size) {
@@ -58,6 +65,31 @@ bool IsNumberBlocked(std::string_view user, std::string_view faxNumber) {
     if (PatternMatches(*pattern, faxNumber)) return true;
   }
   return false;
+}
+
+bool AddBlockedNumber(std::string_view user, std::string_view pattern) {
+  if (pattern.empty()) return false;
+  const std::string digits = DigitsOf(pattern);
+  std::int32_t index = 0;
+  for (std::string value; !(value = ReadListEntry(user, kBlockedPrefix, index)).empty(); ++index)
+    if (DigitsOf(value) == digits) return false;
+  WriteListEntry(user, kBlockedPrefix, index, pattern);
+  return true;
+}
+
+int RemoveBlockedNumber(std::string_view user, std::string_view pattern) {
+  const std::string digits = DigitsOf(pattern);
+  int removed = 0;
+  for (std::int32_t index = 0;;) {
+    const std::string value = ReadListEntry(user, kBlockedPrefix, index);
+    if (value.empty()) return removed;
+    if (DigitsOf(value) == digits) {
+      RemoveListEntry(user, kBlockedPrefix, index);
+      ++removed;
+    } else {
+      ++index;
+    }
+  }
 }
 
 }  // namespace tqv

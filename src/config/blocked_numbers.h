@@ -25,4 +25,10 @@ void EndBlockedNumbers();
 // blocks every number. Restarts the blocked-number iteration.
 bool IsNumberBlocked(std::string_view user, std::string_view faxNumber);
 
+// Appends the pattern to the user's list unless a pattern with the same digits is there, since
+// only the digits count. True when added; an empty pattern, which would end the list, is not.
+bool AddBlockedNumber(std::string_view user, std::string_view pattern);
+// Removes every pattern with the same digits as `pattern`, closing each gap. The number removed.
+int RemoveBlockedNumber(std::string_view user, std::string_view pattern);
+
 }  // namespace tqv

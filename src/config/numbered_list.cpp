@@ -33,6 +33,17 @@ void WriteListEntry(std::string_view section, std::string_view prefix, std::int3
   AdminPutString(section, NumberedKey(prefix, index), value);
 }
 
+void RemoveListEntry(std::string_view section, std::string_view prefix, std::int32_t index) {
+  for (;; ++index) {
+    const std::string next = ReadListEntry(section, prefix, index + 1);
+    if (next.empty()) {
+      AdminPutString(section, NumberedKey(prefix, index), std::nullopt);
+      return;
+    }
+    WriteListEntry(section, prefix, index, next);
+  }
+}
+
 std::optional<EntryFields> SplitEntry(std::string_view value) {
   const std::size_t comma = value.find(',');
   if (comma == std::string_view::npos) return std::nullopt;

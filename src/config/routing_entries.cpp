@@ -54,24 +54,45 @@ int NextRoute(std::size_t userSize, std::size_t valueSize, RouteEntry &entry) {
 void EndRoutes() {}
 
 int AddCsidRoute(std::string_view user, std::string_view remoteId) {
+  return AddRoute(RouteKind::Csid, user, remoteId) < 0 ? -1 : 0;
+}
+
+int AddRoute(RouteKind kind, std::string_view user, std::string_view routeValue) {
   // The file keeps no blanks at the end of a value; compared with them, a padded identifier
   // would never be found again and be learned anew after every fax.
-  remoteId = remoteId.substr(0, remoteId.find_last_not_of(" \t") + 1);
-  if (user.empty() || remoteId.empty()) return -1;
-  const std::string_view prefix = RoutePrefix(RouteKind::Csid);
+  routeValue = routeValue.substr(0, routeValue.find_last_not_of(" \t") + 1);
+  if (user.empty() || routeValue.empty()) return -1;
+  const std::string_view prefix = RoutePrefix(kind);
   for (std::int32_t index = 0; index < kMaxRouteEntries; ++index) {
     const std::string value = ReadListEntry(kRoutingSection, prefix, index);
     if (value.empty()) {
       std::string route(user);
       route += ',';
-      route += remoteId;
+      route += routeValue;
       WriteListEntry(kRoutingSection, prefix, index, route);
-      return 0;
+      return 1;
     }
     const std::optional<EntryFields> fields = SplitEntry(value);
-    if (fields && SameName(fields->first, user) && SameName(fields->second, remoteId)) return 0;
+    if (fields && SameName(fields->first, user) && SameName(fields->second, routeValue)) return 0;
   }
   return -1;
+}
+
+int RemoveRoutes(RouteKind kind, std::string_view user, std::optional<std::string_view> routeValue) {
+  if (routeValue) *routeValue = routeValue->substr(0, routeValue->find_last_not_of(" \t") + 1);
+  const std::string_view prefix = RoutePrefix(kind);
+  int removed = 0;
+  for (std::int32_t index = 0;;) {
+    const std::string value = ReadListEntry(kRoutingSection, prefix, index);
+    if (value.empty()) return removed;
+    const std::optional<EntryFields> fields = SplitEntry(value);
+    if (fields && SameName(fields->first, user) && (!routeValue || SameName(fields->second, *routeValue))) {
+      RemoveListEntry(kRoutingSection, prefix, index);
+      ++removed;
+    } else {
+      ++index;
+    }
+  }
 }
 
 }  // namespace tqv

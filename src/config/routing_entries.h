@@ -5,6 +5,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -39,5 +40,12 @@ void EndRoutes();
 // Appends "user,identifier" to the CSID_ list unless that pair is there in any letter case.
 // 0 when added or present; -1 when either is empty or all kMaxRouteEntries indices are taken.
 int AddCsidRoute(std::string_view user, std::string_view remoteId);
+
+// The same for any kind, telling the two apart: 1 when added at the first free index, 0 when the
+// pair is there in any letter case, -1 when either is empty or the list is full.
+int AddRoute(RouteKind kind, std::string_view user, std::string_view value);
+// Removes the user's entries of the kind (only those with this value, in any letter case, when one
+// is given), closing each gap; entries without a comma are passed over. The number removed.
+int RemoveRoutes(RouteKind kind, std::string_view user, std::optional<std::string_view> value);
 
 }  // namespace tqv

@@ -52,6 +52,19 @@ std::optional<VoicemailEntry> GetUserVoicemail(std::string_view user, std::size_
   return entry;
 }
 
+void SetUserVoicemail(std::string_view user, std::string_view box, std::string_view text) {
+  if (box.empty()) {
+    AdminPutString(kVoicemailSection, user, std::nullopt);
+    return;
+  }
+  std::string value(box);
+  if (!text.empty()) {
+    value += '|';
+    value += text;
+  }
+  AdminPutString(kVoicemailSection, user, value);
+}
+
 std::int32_t GetOcrRatio(std::string_view user) {
   const std::int32_t ratio = AdminGetInt(kOcrRatiosSection, user, kFullOcrRatio) & 0xFF;
   return ratio > kFullOcrRatio ? kFullOcrRatio : ratio;

@@ -29,6 +29,9 @@ struct VoicemailEntry {
 std::optional<VoicemailEntry> GetUserVoicemail(std::string_view user, std::size_t boxSize,
                                                std::size_t textSize);
 
+// Stores "box|text", or only the box when the text is empty; an empty box removes the entry.
+void SetUserVoicemail(std::string_view user, std::string_view box, std::string_view text);
+
 // The low eight bits of the user's [Recipients OCR Ratios] value, anything above 100 read as
 // 100: always 0 to 100.
 std::int32_t GetOcrRatio(std::string_view user);

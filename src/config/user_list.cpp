@@ -9,6 +9,9 @@ namespace tqv {
 namespace {
 
 constexpr std::string_view kRecipientListSection = "Recipient List";
+// Every section keyed by user name; the other files read them one each.
+constexpr std::string_view kPerUserSections[] = {kRecipientListSection, "Recipients Properties", "FaxHeaders",
+                                                 "VoiceMail", "Recipients OCR Ratios"};
 
 // The NUL-ended name at `position`; empty past the end, as in a cleared buffer.
 std::string_view NameAt(const std::string &names, std::size_t position) {
@@ -43,6 +46,17 @@ void EndUsers() {}
 
 std::string GetUserFullName(std::string_view user, std::size_t size) {
   return AdminGetString(kRecipientListSection, user, user, size);
+}
+
+bool SetUserFullName(std::string_view user, std::string_view fullName) {
+  return AdminPutString(kRecipientListSection, user, fullName);
+}
+
+bool RemoveUser(std::string_view user) {
+  bool written = true;
+  for (std::string_view section : kPerUserSections)
+    written = AdminPutString(section, user, std::nullopt) && written;
+  return AdminRemoveSection(user) && written;
 }
 
 }  // namespace tqv

@@ -23,4 +23,12 @@ void EndUsers();
 // characters.
 std::string GetUserFullName(std::string_view user, std::size_t size);
 
+// Makes the user one of the users, or gives a user a new full name. False when the file could
+// not be written.
+bool SetUserFullName(std::string_view user, std::string_view fullName);
+// Takes the user out of every per-user section and removes the user's own section with its saved
+// files list, defaults and blocked numbers. Stored files and routing entries are left alone.
+// False when the file could not be written.
+bool RemoveUser(std::string_view user);
+
 }  // namespace tqv
