@@ -99,7 +99,7 @@ int CollectGatewayIn(const TrafficPaths &paths, std::ofstream &list) {
   fs::create_directories(work, failed);
   int taken = 0;
   for (const fs::path &file : FilesOf(paths.gatewayIn)) {
-    // An empty file may be one its writer has created and not yet locked.
+    // An empty file may be one the library has created and not yet locked (see below).
     if (fs::file_size(file, failed) == 0 || failed) continue;
     bool busy = false;
     std::string error;
@@ -118,13 +118,16 @@ int CollectTextResults(const TrafficPaths &paths, std::ofstream &list) {
   int taken = 0;
   for (const fs::path &file : FilesOf(paths.textFiles)) {
     const std::string name = file.filename().string();
+    std::error_code failed;
     if (!EndsWith(name, ".OK") && !EndsWith(name, ".ERR")) continue;
+    // The library creates its files in place and locks them a moment later: a reader that took
+    // the empty file then would make the library's own open fail, and the result would be lost.
+    if (fs::file_size(file, failed) == 0 || failed) continue;
     std::optional<std::string> bytes;
     if (std::optional<platform::File> held = platform::File::OpenExclusive(file.string()))
       bytes = held->ReadAll();
     if (!bytes) continue;
     Record(list, ClassifyTextResult(name, *bytes));
-    std::error_code failed;
     fs::remove(file, failed);
     ++taken;
   }
