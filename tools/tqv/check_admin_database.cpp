@@ -24,10 +24,6 @@ struct RoutedUser {
   std::string firstKey;  // the first entry naming the user, for the message
 };
 
-std::string Quoted(std::string_view text) {
-  return "'" + std::string(text) + "'";
-}
-
 std::vector<std::string> Users() {
   std::vector<std::string> users;
   for (std::optional<std::string> user = FirstUser(); user; user = NextUser())

@@ -37,4 +37,9 @@ struct CheckReport {
 
 std::string_view SeverityName(Severity severity);
 
+// A name or path as findings quote it: 'C:\FAX\OUT'.
+inline std::string Quoted(std::string_view text) {
+  return "'" + std::string(text) + "'";
+}
+
 }  // namespace tqv::tool

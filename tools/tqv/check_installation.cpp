@@ -26,10 +26,6 @@ constexpr std::size_t kLanguageSize = 47;
 // Characters people write in phone numbers besides the significant ones.
 constexpr std::string_view kPhonePunctuation = " -./";
 
-std::string Quoted(std::string_view text) {
-  return "'" + std::string(text) + "'";
-}
-
 std::string Joined(std::string directory, std::string_view name) {
   AppendBackslash(directory);
   return directory + std::string(name);
