@@ -44,14 +44,14 @@ class DirectoryChecks {
 
   // A directory the gateway owns: the library never creates it.
   bool Existing(std::string_view role, std::string_view path) {
-    DirectoryStatus &status = Look(role, path);
+    DirectoryStatus &status = Look(role, path, Severity::Error);
     if (!status.exists) report_.Error(std::string(role) + " " + Quoted(path) + " does not exist");
     return status.exists;
   }
 
   // A directory start-up creates when missing, one level only.
   void Created(std::string_view role, std::string_view path, Severity severity) {
-    DirectoryStatus &status = Look(role, path);
+    DirectoryStatus &status = Look(role, path, severity);
     if (status.exists) return;
     const std::string parent = ParentOf(path);
     std::string reason;
@@ -78,13 +78,14 @@ class DirectoryChecks {
   }
 
  private:
-  DirectoryStatus &Look(std::string_view role, std::string_view path) {
+  DirectoryStatus &Look(std::string_view role, std::string_view path, Severity severity) {
     DirectoryStatus status{std::string(role), std::string(path)};
     status.exists = !path.empty() && DirectoryExists(path);
     if (status.exists) {
       status.writable = IsWritableDirectory(path);
       status.fileSystem = FileSystemName(path);
-      if (!status.writable) report_.Error(std::string(role) + " " + Quoted(path) + " is not writable");
+      if (!status.writable)
+        report_.findings.push_back({severity, std::string(role) + " " + Quoted(path) + " is not writable"});
     }
     report_.directories.push_back(std::move(status));
     return report_.directories.back();
@@ -178,7 +179,8 @@ void CheckJfaxPatterns(CheckReport &report) {
       if (IsSignificant(c)) continue;
       report.Warning(
           "[JFAX Dial] " + key + " " + Quoted(pattern) +
-          " holds characters other than digits, '(', ')' and '+': it matches only numbers that end with it");
+          " holds characters other than digits, '(', ')' and '+': it matches only that whole number, "
+          "not the numbers beginning with it");
       break;
     }
   }
