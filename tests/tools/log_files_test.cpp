@@ -94,6 +94,30 @@ TEST_F(LogFiles, TableAlignsTheMainColumnsAndEndsWithTotals) {
       "Date  Time  Remote  Duration  Pages  Result  Info  Routed to\n\n0 faxes, 0 pages, 0 successful\n");
 }
 
+// Pieces beyond the header's columns can be put back only next to the fixed columns; where two
+// free-text columns could have taken them, the line is unreadable rather than shifted.
+TEST(LogLines, ExtraSeparatorsJoinTheFreeTextBesideTheFixedColumns) {
+  const struct {
+    LogKind kind;
+    const char *line;
+    std::optional<LogLine> values;
+  } cases[] = {
+      {LogKind::Receive, R"("d","t","a","b","01:02","3","FAILURE","x","y","COM1","","ann")",
+       LogLine{"d", "t", "a\",\"b", "01:02", "3", "FAILURE", "x\",\"y", "COM1", "", "ann"}},
+      {LogKind::Send, R"("d","t","s","n","","","r","c","1","00:01","1","SUCCESS","i","p","a,b")",
+       LogLine{"d", "t", "s", "n", "", "", "r", "c", "1", "00:01", "1", "SUCCESS", "i", "p", "a,b"}},
+      {LogKind::Send, R"("d","t","s","n1","n2","","","r","c","1","00:01","1","SUCCESS","i","p","")",
+       std::nullopt},
+      {LogKind::Receive, R"("d","t","a","01:02","3","DONE","x","COM1","","")",
+       LogLine{"d", "t", "a", "01:02", "3", "DONE", "x", "COM1", "", ""}},
+      {LogKind::Receive, R"("d","t","a","b","01:02","3","DONE","x","COM1","","")", std::nullopt},
+      {LogKind::Receive, R"("d","t","a","01:02","3","SUCCESS","x","COM1","")", std::nullopt},
+      {LogKind::Receive, R"("d","t","a","01:02","3","SUCCESS","x","COM1","","ann)", std::nullopt},
+  };
+  for (const auto &c : cases)
+    EXPECT_EQ(ParseLogLine(c.kind, c.line), c.values) << c.line;
+}
+
 // Dates are read back by the picture that wrote them; --since keeps what it can date.
 TEST_F(LogFiles, DatesAreReadByTheRegionalPicture) {
   const struct {
