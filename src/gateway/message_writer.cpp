@@ -1,5 +1,5 @@
 // MessageWriter: the header lines in the order of the keyword table, and the body and attachment
-// blocks. Write errors on the message file are not detected; the gateway gets what was written.
+// blocks. A message that a write error or a short source left incomplete is removed at Close.
 #include "gateway/message_writer.h"
 
 #include <algorithm>
@@ -10,6 +10,7 @@
 #include "common/text_limits.h"
 #include "config/service_state.h"
 #include "gateway/message_counter.h"
+#include "platform/file_system.h"
 
 namespace tqv {
 
@@ -50,6 +51,12 @@ std::string Cut(std::string_view text) {
 
 }  // namespace
 
+bool IsAttachable(std::string_view path) {
+  if (path.empty()) return false;
+  const std::optional<platform::EntryInfo> entry = platform::GetEntryInfo(path);
+  return entry && !entry->isDirectory && entry->size > 0;
+}
+
 bool MessageWriter::Create(GatewayDirection direction) {
   if (file_ || !recipients_.empty()) return false;
   const ServiceState &service = CurrentService();
@@ -63,8 +70,10 @@ bool MessageWriter::Create(GatewayDirection direction) {
 
   file_ = platform::File::CreateExclusive(path);
   if (!file_) return false;
+  path_ = path;
   headersWritten_ = false;
-  file_->Write(Line(HeaderKeyword::TnefAttach, ""));
+  damaged_ = false;
+  Put(Line(HeaderKeyword::TnefAttach, ""));
   return true;
 }
 
@@ -143,7 +152,11 @@ void MessageWriter::WriteHeadersOnce() {
       lines += Line(keyword, HeaderValue(keyword));
     }
   }
-  file_->Write(lines);
+  Put(lines);
+}
+
+void MessageWriter::Put(std::string_view bytes) {
+  if (!file_->Write(bytes)) damaged_ = true;
 }
 
 void MessageWriter::WriteFileContents(platform::File &source, std::uint64_t size) {
@@ -152,8 +165,11 @@ void MessageWriter::WriteFileContents(platform::File &source, std::uint64_t size
   for (std::uint64_t left = size; left > 0;) {
     const std::optional<std::size_t> got =
         source.Read(piece.get(), static_cast<std::size_t>(std::min<std::uint64_t>(left, pieceSize)));
-    if (!got || *got == 0) return;
-    file_->Write(piece.get(), *got);
+    if (!got || *got == 0) {
+      damaged_ = true;  // the block's length promised more bytes
+      return;
+    }
+    Put(std::string_view(piece.get(), *got));
     left -= *got;
   }
 }
@@ -170,20 +186,20 @@ bool MessageWriter::AddBody(std::string_view text, std::optional<std::string_vie
   std::uint64_t length = text.size() + fileSize;
   if (length > 0) length += kLineEnd.size();
 
-  file_->Write(Line(HeaderKeyword::BeginBody, std::to_string(length)));
-  if (!text.empty()) file_->Write(text);
+  Put(Line(HeaderKeyword::BeginBody, std::to_string(length)));
+  if (!text.empty()) Put(text);
   if (fileSize > 0) WriteFileContents(*source, fileSize);
   std::string end = length > 0 ? std::string(kLineEnd) : std::string();
   end += BlockEnd(HeaderKeyword::EndBody);
-  file_->Write(end);
+  Put(end);
   return true;
 }
 
 bool MessageWriter::AddBodyBuffer(std::string_view bytes) {
   if (!file_ || bytes.empty()) return false;
-  file_->Write(Line(HeaderKeyword::BeginBody, std::to_string(bytes.size() + kLineEnd.size())));
-  file_->Write(bytes);
-  file_->Write(std::string(kLineEnd) + BlockEnd(HeaderKeyword::EndBody));
+  Put(Line(HeaderKeyword::BeginBody, std::to_string(bytes.size() + kLineEnd.size())));
+  Put(bytes);
+  Put(std::string(kLineEnd) + BlockEnd(HeaderKeyword::EndBody));
   return true;
 }
 
@@ -201,16 +217,23 @@ bool MessageWriter::AddAttachment(std::string_view filePath) {
   std::string value(FileNamePart(path));
   value += ':';
   value += std::to_string(size);
-  file_->Write(Line(HeaderKeyword::BeginAttach, value));
+  Put(Line(HeaderKeyword::BeginAttach, value));
   WriteFileContents(*source, size);
-  file_->Write(BlockEnd(HeaderKeyword::EndAttach));
+  Put(BlockEnd(HeaderKeyword::EndAttach));
   return true;
 }
 
-void MessageWriter::Close() {
+bool MessageWriter::Close() {
   WriteHeadersOnce();
   recipients_.clear();
+  if (!file_) return false;
   file_.reset();
+  // The gateway would mail half a message as if it were whole; none at all is the lesser harm.
+  if (damaged_) {
+    platform::RemoveFile(path_);
+    return false;
+  }
+  return true;
 }
 
 }  // namespace tqv

@@ -1,6 +1,6 @@
 // MessageWriter: composes one gateway message file for the mail gateway, "SGWn.TMP" in the
 // gateway-in directory. The file is held without sharing from Create to Close, so the gateway
-// never takes half a message. Write errors on the message file are not detected.
+// never takes half a message; a message that could not be written whole is removed at Close.
 #pragma once
 
 #include <array>
@@ -22,6 +22,10 @@ inline constexpr std::size_t kMaxMessageRecipients = 1024;
 inline constexpr std::size_t kMaxCustomStringBytes = 255;
 
 enum class GatewayDirection { In, Out };
+
+// True when the file exists and is not empty, so that an AddAttachment that failed on it left out
+// something it should have carried. Asks the directory only, so it answers also when opens fail.
+bool IsAttachable(std::string_view path);
 
 class MessageWriter {
  public:
@@ -60,15 +64,17 @@ class MessageWriter {
   // block, when the path is empty or the file is missing, held by another or empty.
   bool AddAttachment(std::string_view filePath);
 
-  // Writes the header lines if no block did, forgets the recipients and closes the file. A writer
-  // destroyed without Close releases the file as it stands, without the header lines.
-  void Close();
+  // Writes the header lines if no block did, forgets the recipients and closes the file. False
+  // when a write failed or a file ran short on the way: the message is then removed, not mailed
+  // in part. A writer destroyed without Close releases the file as it stands, without the header lines.
+  bool Close();
 
  private:
   void WriteHeadersOnce();
   std::string HeaderValue(HeaderKeyword keyword) const;
   void WriteBlockStart(HeaderKeyword keyword, std::string_view value);
   void WriteFileContents(platform::File &source, std::uint64_t size);
+  void Put(std::string_view bytes);
 
   std::vector<std::string> recipients_;
   std::string sender_;
@@ -82,7 +88,9 @@ class MessageWriter {
   std::int32_t deliveryTime_ = 0;
   std::string fileType_;
   std::optional<platform::File> file_;
+  std::string path_;
   bool headersWritten_ = false;
+  bool damaged_ = false;  // some bytes of the message never reached the file
 };
 
 }  // namespace tqv
