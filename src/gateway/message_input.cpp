@@ -12,6 +12,7 @@ void MessageInput::Attach(platform::File file) {
   if (!buffer_) buffer_ = std::make_unique<char[]>(kBufferSize);
   begin_ = end_ = 0;
   bufferStart_ = 0;
+  readFailed_ = false;
 }
 
 void MessageInput::Close() {
@@ -25,6 +26,7 @@ bool MessageInput::Refill() {
   bufferStart_ += end_;
   begin_ = end_ = 0;
   const std::optional<std::size_t> got = file_->Read(buffer_.get(), kBufferSize);
+  if (!got) readFailed_ = true;
   if (!got || *got == 0) return false;
   end_ = *got;
   return true;
@@ -39,6 +41,7 @@ std::size_t MessageInput::Read(char *destination, std::size_t size) {
         bufferStart_ += end_;
         begin_ = end_ = 0;
         const std::optional<std::size_t> got = file_->Read(destination + done, size - done);
+        if (!got) readFailed_ = true;
         if (!got || *got == 0) break;
         bufferStart_ += *got;
         done += *got;

@@ -17,6 +17,8 @@ class MessageInput {
   MessageInput() = default;
 
   bool IsOpen() const { return file_.has_value(); }
+  // True once a read failed, as opposed to the file ending: what was read is not the whole file.
+  bool ReadFailed() const { return readFailed_; }
   void Attach(platform::File file);
   void Close();
 
@@ -45,6 +47,7 @@ class MessageInput {
   std::size_t begin_ = 0;
   std::size_t end_ = 0;
   std::uint64_t bufferStart_ = 0;  // file offset of buffer_[0]
+  bool readFailed_ = false;
 };
 
 }  // namespace tqv

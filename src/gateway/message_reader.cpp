@@ -58,6 +58,7 @@ bool MessageReader::Open(std::string_view path) {
   std::optional<platform::File> file = platform::File::OpenExclusive(path);
   if (!file) return false;
   input_.Attach(std::move(*file));
+  writeFailed_ = false;
   return true;
 }
 
@@ -145,13 +146,18 @@ ReadCode MessageReader::ReadNext() {
 
 bool MessageReader::CopyBlock(std::uint64_t length, std::string_view targetPath) {
   std::optional<platform::File> target = platform::File::CreateExclusive(targetPath);
-  if (!target) return false;
+  if (!target) {
+    writeFailed_ = true;
+    return false;
+  }
   const std::size_t pieceSize = static_cast<std::size_t>(std::min<std::uint64_t>(length, kCopyPiece));
   const std::unique_ptr<char[]> piece = std::make_unique<char[]>(std::max<std::size_t>(pieceSize, 1));
   for (std::uint64_t left = length; left > 0;) {
     const std::size_t want = static_cast<std::size_t>(std::min<std::uint64_t>(left, pieceSize));
     const std::size_t got = input_.Read(piece.get(), want);
-    if (got != want || !target->Write(piece.get(), got)) {
+    const bool written = got == want && target->Write(piece.get(), got);
+    if (got == want && !written) writeFailed_ = true;
+    if (!written) {
       target.reset();  // our own lock would keep the file from being removed
       platform::RemoveFile(targetPath);
       return false;

@@ -41,6 +41,9 @@ class MessageReader {
   bool ExtractBody(std::string_view targetPath);
   // After ReadCode::Attachment: the same for the attachment, with no exception for blank data.
   bool ExtractAttachment(std::string_view targetPath);
+  // True when the machine, not the message, failed: a read of the message, or the creation or a
+  // write of an extracted file. The message may then look shorter than it is.
+  bool MachineFault() const { return input_.ReadFailed() || writeFailed_; }
 
   // Copy at most size-1 characters of the field and a NUL.
   void GetSender(std::span<char> buffer) const;
@@ -67,6 +70,7 @@ class MessageReader {
   bool EndLineFollows(HeaderKeyword endKeyword);
 
   MessageInput input_;
+  bool writeFailed_ = false;
   std::string line_;
 
   std::string sender_;

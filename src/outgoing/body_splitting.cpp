@@ -1,5 +1,5 @@
 // Body splitting; see body_splitting.h. The input is read in chunks and each byte is judged by
-// the two bytes before it. A read or write failure in mid-split ends it as if the input ended.
+// the two bytes before it. A read or write failure in mid-split removes both outputs.
 #include "outgoing/body_splitting.h"
 
 #include <array>
@@ -92,16 +92,26 @@ int SplitBody(std::string_view inputPath, std::string_view setupPath, std::strin
 
   BodySplitter splitter(*setup, *messageText);
   std::array<char, kChunkSize> chunk;
-  for (std::optional<std::size_t> got; (got = input->Read(chunk.data(), chunk.size())) && *got > 0;) {
+  bool complete = true;
+  while (complete) {
+    const std::optional<std::size_t> got = input->Read(chunk.data(), chunk.size());
+    complete = got.has_value();
+    if (!got || *got == 0) break;
     for (std::size_t i = 0; i < *got; ++i)
       splitter.Take(chunk[i]);
-    if (!splitter.Write()) break;
+    complete = splitter.Write();
   }
   splitter.Finish();
-  splitter.Write();
+  complete = splitter.Write() && complete;
   input.reset();
   setup.reset();
   messageText.reset();
+  if (!complete) {
+    // Half a text would be faxed as if it were all; the input stays for the caller to judge.
+    platform::RemoveFile(setupPath);
+    platform::RemoveFile(messageTextPath);
+    return -1;
+  }
 
   if (IsBlankFile(setupPath)) platform::RemoveFile(setupPath);
   if (IsBlankFile(messageTextPath)) platform::RemoveFile(messageTextPath);

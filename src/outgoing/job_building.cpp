@@ -8,6 +8,7 @@
 #include "common/unique_name.h"
 #include "config/service_state.h"
 #include "outgoing/dial_strings.h"
+#include "platform/file_system.h"
 
 namespace tqv {
 
@@ -33,6 +34,18 @@ std::string WorkFilePath(std::string_view name) {
 std::optional<platform::File> CreateJobFile(std::string &path) {
   path = MakeUniqueName(CurrentService().pendingDirectory, kJobFileExtension);
   return platform::File::CreateExclusive(path);
+}
+
+bool FinishJobFile(std::optional<platform::File> &file, std::string_view path, const JobRecord &record) {
+  const bool written = file->Write(record.Bytes());
+  file.reset();
+  if (written) return true;
+  platform::RemoveFile(path);
+  const JobRecordView job = record.View();
+  if (!job.Text(job::MessageTextFile).empty()) platform::RemoveFile(job.Text(job::MessageTextFile));
+  for (int i = 0; i < job.UsableFileCount(); ++i)
+    platform::RemoveFile(job.Text(job::File(i)));
+  return false;
 }
 
 std::string_view AddressJob(std::string &number, std::optional<std::string_view> forcedTag) {

@@ -6,6 +6,7 @@
 #include <string>
 #include <string_view>
 
+#include "common/job_record.h"
 #include "platform/file.h"
 
 namespace tqv {
@@ -16,6 +17,11 @@ std::string WorkFilePath(std::string_view name);
 // A new job file in the pending directory, created for writing without sharing; its path goes to
 // `path`. nullopt when it cannot be created.
 std::optional<platform::File> CreateJobFile(std::string &path);
+
+// Writes the record into the job file that CreateJobFile made, and closes it. When the write
+// fails, the job file and the document copies the record names are removed, so that no job lies
+// in the queue unread; false then.
+bool FinishJobFile(std::optional<platform::File> &file, std::string_view path, const JobRecord &record);
 
 // The tag of a job to `number` (JFAX when a [JFAX Dial] pattern matches, unless the caller forces
 // a tag) and the number rewritten for it: the JFAX mail address, or the dial string.

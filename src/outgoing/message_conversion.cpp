@@ -97,8 +97,15 @@ struct Conversion {
   bool hasText = false;
 
   void ReportError(std::string_view errorText) const {
-    WriteConversionErrorReport(recipients.empty() ? std::string_view() : recipients.front().address, sender,
-                               subject, errorText, bodyPath, attachments, customString);
+    if (WriteConversionErrorReport(recipients.empty() ? std::string_view() : recipients.front().address,
+                                   sender, subject, errorText, bodyPath, attachments, customString))
+      return;
+    // The message is deleted after its pass all the same.
+    LogMessage(
+        nullptr, kServiceEventSource, platform::kEventError,
+        "Message from '%s' with subject '%s' could not be faxed (%s), and its error report could not be "
+        "written whole",
+        sender.c_str(), subject.c_str(), std::string(errorText).c_str());
   }
 };
 
@@ -270,8 +277,8 @@ bool WriteJob(const Conversion &message, RecipientEntry &recipient, const Servic
   job.SetRaw(kCustomStringBytesField, message.customString);
   job.SetRaw(job::Tag, tag);
 
-  jobFile->Write(record.Bytes());
-  return true;
+  // A record that cannot be written counts as a job file that could not be created.
+  return FinishJobFile(jobFile, jobPath, record);
 }
 
 // Steps from the sender check to the jobs; the caller cleans up whatever happens here.
@@ -349,10 +356,30 @@ void ConvertMessage(std::string_view path) {
     platform::RemoveFile(*file);
 
   MessageReader reader;
-  if (!reader.Open(path)) return;
+  if (!reader.Open(path)) {
+    // The pass deletes the message all the same; its sender is unknown, so the file is named.
+    LogMessage(nullptr, kServiceEventSource, platform::kEventError,
+               "Message '%s' could not be opened for conversion and is deleted unconverted",
+               std::string(path).c_str());
+    return;
+  }
 
-  if (ReadMessage(reader, message, service.workDirectory) == ReadOutcome::Complete) {
-    if (FileExists(message.bodyPath)) SplitBody(message.bodyPath, message.setupPath, message.messageTextPath);
+  const ReadOutcome outcome = ReadMessage(reader, message, service.workDirectory);
+  if (reader.MachineFault()) {
+    // What was read may be a part of the message only: faxing it would drop recipients unseen.
+    LogMessage(
+        nullptr, kServiceEventSource, platform::kEventError,
+        "Message '%s' from '%s' with subject '%s' could not be read whole; it is deleted and nothing of "
+        "it was faxed",
+        std::string(path).c_str(), message.sender.c_str(), message.subject.c_str());
+  } else if (outcome == ReadOutcome::Complete) {
+    if (FileExists(message.bodyPath) &&
+        SplitBody(message.bodyPath, message.setupPath, message.messageTextPath) != 0) {
+      LogMessage(nullptr, kServiceEventSource, platform::kEventError,
+                 "Message from '%s' with subject '%s': its text and option lines could not be read; it is "
+                 "faxed without them",
+                 message.sender.c_str(), message.subject.c_str());
+    }
     message.hasText = FileExists(message.messageTextPath) && GetFileSizeOf(message.messageTextPath) > 0;
     MakeJobs(message, service);
   }

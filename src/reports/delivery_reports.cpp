@@ -9,8 +9,10 @@
 
 #include "config/message_strings.h"
 #include "config/user_properties.h"
+#include "diag/log_message.h"
 #include "gateway/message_writer.h"
 #include "platform/clock.h"
+#include "platform/event_log.h"
 #include "reports/admin_listing.h"
 #include "reports/report_layout.h"
 
@@ -76,9 +78,14 @@ bool WantsDocuments(const JobRecordView &job) {
                                                      : HasProperty(properties, UserProperty::AttachOnFailure);
 }
 
-void AttachDocuments(MessageWriter &writer, const JobRecordView &job) {
-  for (int i = 0; i < job.UsableFileCount(); ++i)
-    writer.AddAttachment(job.Text(job::File(i)));
+// False when a document that exists could not be attached.
+bool AttachDocuments(MessageWriter &writer, const JobRecordView &job) {
+  bool all = true;
+  for (int i = 0; i < job.UsableFileCount(); ++i) {
+    const std::string document = job.Text(job::File(i));
+    if (!writer.AddAttachment(document) && IsAttachable(document)) all = false;
+  }
+  return all;
 }
 
 }  // namespace
@@ -100,7 +107,13 @@ void WriteDeliveryReport(const JobRecordView &job) {
 
 void WriteJfaxMessage(const JobRecordView &job) {
   MessageWriter writer;
-  if (!writer.Create(GatewayDirection::In)) return;
+  if (!writer.Create(GatewayDirection::In)) {
+    LogMessage(nullptr, kServiceEventSource, platform::kEventError,
+               "The JFAX message from '%s' to '%s' with subject '%s' could not be created",
+               job.Text(job::SenderEmail).c_str(), job.Text(job::FaxNumber).c_str(),
+               job.Text(job::Subject).c_str());
+    return;
+  }
   writer.SetFileType(kJfaxJobTag);
   writer.SetSender(job.Text(job::SenderEmail));
   writer.AddRecipient(job.Text(job::FaxNumber));
@@ -108,16 +121,21 @@ void WriteJfaxMessage(const JobRecordView &job) {
   SetJobHeaders(writer, job);
   // A buffered body goes out before the header lines; the JFAX gateway reads the file that way.
   writer.AddBodyBuffer(kJfaxBody);
-  AttachDocuments(writer, job);
-  writer.Close();
+  const bool allDocuments = AttachDocuments(writer, job);
+  // The documents are deleted after this call: a fax that did not go out whole must be heard of.
+  if (!writer.Close() || !allDocuments)
+    LogMessage(nullptr, kServiceEventSource, platform::kEventError,
+               "The JFAX message from '%s' to '%s' with subject '%s' could not be written whole",
+               job.Text(job::SenderEmail).c_str(), job.Text(job::FaxNumber).c_str(),
+               job.Text(job::Subject).c_str());
 }
 
-void WriteConversionErrorReport(std::string_view faxRecipient, std::string_view sender,
+bool WriteConversionErrorReport(std::string_view faxRecipient, std::string_view sender,
                                 std::string_view subject, std::string_view errorText,
                                 std::string_view bodyFile, std::span<const std::string> attachments,
                                 std::string_view customString) {
   MessageWriter writer;
-  if (!writer.Create(GatewayDirection::In)) return;
+  if (!writer.Create(GatewayDirection::In)) return false;
   writer.SetSender(faxRecipient);
   writer.AddRecipient(sender);
   writer.SetSubject(ReportSubject(kFailureSubject, subject, faxRecipient, ""));
@@ -131,9 +149,11 @@ void WriteConversionErrorReport(std::string_view faxRecipient, std::string_view 
   writer.SetDeliveryTime(Now());
   writer.SetCustomString(customString);
   writer.AddBody(errorLine, BodyFile(bodyFile));
-  for (const std::string &attachment : attachments)
-    writer.AddAttachment(attachment);
-  writer.Close();
+  bool complete = true;
+  for (const std::string &attachment : attachments) {
+    if (!writer.AddAttachment(attachment) && IsAttachable(attachment)) complete = false;
+  }
+  return writer.Close() && complete;
 }
 
 void WriteAdminReply(std::string_view user, std::string_view subject, bool succeeded,

@@ -1,6 +1,8 @@
 // The messages that hand a result back through the gateway-in directory: the delivery report of
 // a finished job, the JFAX hand-off of a job's documents, the conversion error report and the
-// administration reply. A message that cannot be created is skipped silently; none reports failure.
+// administration reply. A delivery report or reply that cannot be written is skipped silently; a
+// JFAX hand-off that cannot is reported as an event, as its documents go after it, and the
+// conversion error report tells its caller.
 #pragma once
 
 #include <cstddef>
@@ -26,8 +28,10 @@ void WriteDeliveryReport(const JobRecordView &job);
 void WriteJfaxMessage(const JobRecordView &job);
 
 // To the sender of a message that could not be faxed: FAX-Status 6, the error line, the message
-// body file and the message's attachments. The custom string is passed as bytes.
-void WriteConversionErrorReport(std::string_view faxRecipient, std::string_view sender,
+// body file and the message's attachments. The custom string is passed as bytes. False when the
+// report could not be written, or went without a document that exists: the caller deletes the
+// message regardless, so it must know.
+bool WriteConversionErrorReport(std::string_view faxRecipient, std::string_view sender,
                                 std::string_view subject, std::string_view errorText,
                                 std::string_view bodyFile, std::span<const std::string> attachments,
                                 std::string_view customString);
