@@ -11,10 +11,12 @@
 #include "common/unique_name.h"
 #include "config/message_strings.h"
 #include "config/service_state.h"
+#include "diag/log_message.h"
 #include "outgoing/body_splitting.h"
 #include "outgoing/job_building.h"
 #include "outgoing/message_conversion.h"
 #include "outgoing/option_lines.h"
+#include "platform/event_log.h"
 #include "platform/file.h"
 #include "platform/file_system.h"
 #include "reports/text_job_files.h"
@@ -75,16 +77,22 @@ bool WriteTextJob(std::string_view source, const RecipientEntry &recipient, cons
   job.SetNumber(job::FileCount, fileCount);
   job.SetText(job::TextTemplateFile, TextTemplatePath());
   job.SetRaw(job::Tag, tag);
-  jobFile->Write(record.Bytes());
-  return true;
+  return FinishJobFile(jobFile, jobPath, record);
 }
 
 // Splits, reads the options and makes the jobs; false when the source must stay (its error file
 // could not be written).
 bool Convert(const std::string &source, const std::string &setupPath, const std::string &messageTextPath,
              AttachmentTable &attachments) {
-  SplitBody(source, setupPath, messageTextPath);
-  if (!FileExists(messageTextPath) || GetFileSizeOf(messageTextPath) <= 0) return true;
+  if (SplitBody(source, setupPath, messageTextPath) != 0) {
+    // A split that could not open its files has deleted the source; one that failed later left it.
+    const bool kept = FileExists(source);
+    LogMessage(nullptr, kServiceEventSource, platform::kEventError, "Text file '%s' could not be split; %s",
+               source.c_str(), kept ? "it stays for the next pass" : "it is deleted unfaxed");
+    return !kept;
+  }
+  // A size that cannot be read (-1) is not an empty text: such a file is still faxed.
+  if (!FileExists(messageTextPath) || GetFileSizeOf(messageTextPath) == 0) return true;
 
   RecipientTable recipients;
   FaxOptions options;
@@ -102,8 +110,18 @@ bool Convert(const std::string &source, const std::string &setupPath, const std:
       return !FileExists(source);
     }
   }
+  std::size_t written = 0;
   for (const RecipientEntry &recipient : recipients) {
-    if (!WriteTextJob(source, recipient, options, messageTextPath, attachments)) break;
+    if (!WriteTextJob(source, recipient, options, messageTextPath, attachments)) {
+      // The source is deleted all the same: an operator has to know whose faxes were not queued.
+      LogMessage(
+          nullptr, kServiceEventSource, platform::kEventError,
+          "Text file '%s': no job file could be created in '%s'; %zu of %zu recipients were not queued",
+          source.c_str(), CurrentService().pendingDirectory.c_str(), recipients.size() - written,
+          recipients.size());
+      break;
+    }
+    ++written;
   }
   platform::CopyFileTo(source, TextJobWorkingCopy(source), false);
   return true;

@@ -1,5 +1,6 @@
 // Result and error files of text-file jobs. They are written as bytes: the report already has its
-// CR LF line ends, and the text file is copied unchanged.
+// CR LF line ends, and the text file is copied unchanged. A file that could not be written whole
+// is removed, so no reader takes a part for the whole.
 #include "reports/text_job_files.h"
 
 #include <array>
@@ -8,6 +9,8 @@
 
 #include "common/text_limits.h"
 #include "common/unique_name.h"
+#include "diag/log_message.h"
+#include "platform/event_log.h"
 #include "platform/file.h"
 #include "platform/file_system.h"
 #include "reports/report_layout.h"
@@ -20,12 +23,17 @@ constexpr std::string_view kSuccessExtension = "OK";
 constexpr std::string_view kFailureExtension = "ERR";
 constexpr std::string_view kErrorSeparator = "\r\n\r\n\r\n";
 
-void AppendFileContents(platform::File &target, std::string_view sourcePath) {
+// False when a read or a write failed on the way; a source that cannot be opened adds nothing.
+bool AppendFileContents(platform::File &target, std::string_view sourcePath) {
   std::optional<platform::File> source = platform::File::OpenShared(sourcePath);
-  if (!source) return;
+  if (!source) return true;
   std::array<char, kTextCopyBlock> block;
-  for (std::optional<std::size_t> got; (got = source->Read(block.data(), block.size())) && *got > 0;)
-    target.Write(block.data(), *got);
+  while (true) {
+    const std::optional<std::size_t> got = source->Read(block.data(), block.size());
+    if (!got) return false;
+    if (*got == 0) return true;
+    if (!target.Write(block.data(), *got)) return false;
+  }
 }
 
 }  // namespace
@@ -54,8 +62,15 @@ void WriteTextJobResult(const JobRecordView &job) {
       MakeUniqueVariant(base + "." + std::string(delivered ? kSuccessExtension : kFailureExtension));
 
   if (std::optional<platform::File> result = platform::File::CreateExclusive(resultPath)) {
-    result->Write(FormatSentReport(job));
-    AppendFileContents(*result, workingCopy);
+    const bool whole = result->Write(FormatSentReport(job)) && AppendFileContents(*result, workingCopy);
+    result.reset();
+    // Half a result would be read as the whole of it; it goes as a result never created would.
+    if (!whole) {
+      platform::RemoveFile(resultPath);
+      LogMessage(nullptr, kServiceEventSource, platform::kEventError,
+                 "Result file '%s' of a text-file job to '%s' could not be written", resultPath.c_str(),
+                 job.Text(job::FaxNumber).c_str());
+    }
   }
   platform::RemoveFile(workingCopy);
 }
@@ -64,14 +79,14 @@ void WriteTextJobErrorFile(std::string_view messageText, std::string_view textFi
   std::string textFile(textFilePath);
   CutText(textFile, kMaxPath);
   if (textFile.empty()) return;
-  std::optional<platform::File> errorFile =
-      platform::File::CreateExclusive(TextJobBaseName(textFile) + "." + std::string(kFailureExtension));
+  const std::string errorPath = TextJobBaseName(textFile) + "." + std::string(kFailureExtension);
+  std::optional<platform::File> errorFile = platform::File::CreateExclusive(errorPath);
   if (!errorFile) return;
-  errorFile->Write(messageText);
-  errorFile->Write(kErrorSeparator);
-  AppendFileContents(*errorFile, textFile);
+  const bool whole = errorFile->Write(messageText) && errorFile->Write(kErrorSeparator) &&
+                     AppendFileContents(*errorFile, textFile);
   errorFile.reset();
-  platform::RemoveFile(textFile);
+  // An error file written only in part goes, and the text file stays, as when it cannot be created.
+  platform::RemoveFile(whole ? textFile : errorPath);
 }
 
 }  // namespace tqv
