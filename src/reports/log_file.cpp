@@ -8,6 +8,7 @@
 #include "common/text_limits.h"
 #include "config/service_state.h"
 #include "platform/clock.h"
+#include "platform/file_system.h"
 #include "platform/text_mode.h"
 #include "reports/log_formats.h"
 
@@ -21,7 +22,12 @@ std::optional<platform::File> OpenLogFile(std::string_view fileName, std::string
   path += fileName;
   const bool isNew = !FileExists(path);
   std::optional<platform::File> log = platform::File::OpenForAppend(path);
-  if (log && isNew) log->Write(platform::ToTextMode(std::string(headerLine) + "\n\n"));
+  if (log && isNew && !log->Write(platform::ToTextMode(std::string(headerLine) + "\n\n"))) {
+    // Every later line would land in a log without its header: the log counts as not opened.
+    log.reset();
+    platform::RemoveFile(path);
+    return std::nullopt;
+  }
   return log;
 }
 

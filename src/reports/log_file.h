@@ -1,6 +1,6 @@
 // What the send log and the receive log share: the file in the product directory with its header,
 // the quoted columns, the date and time columns, and writing a line in text mode. A log that
-// cannot be opened is skipped without a message.
+// cannot be opened, or a new one whose header cannot be written, is skipped without a message.
 #pragma once
 
 #include <optional>
