@@ -1,5 +1,6 @@
-// Received-fax delivery; see received_fax_delivery.h. Write errors on the message are not
-// detected; a missing fax image leaves a message with the report alone.
+// Received-fax delivery; see received_fax_delivery.h. A missing fax image leaves a message with
+// the report alone; a fax that exists but does not reach its users whole is reported as an event,
+// since the image is deleted after this call whatever happened.
 #include "incoming/received_fax_delivery.h"
 
 #include <optional>
@@ -7,16 +8,38 @@
 
 #include "common/path_helpers.h"
 #include "config/message_strings.h"
+#include "diag/log_message.h"
 #include "gateway/message_writer.h"
 #include "incoming/inbound_routing.h"
 #include "platform/clock.h"
+#include "platform/event_log.h"
 #include "reports/report_layout.h"
 
 namespace tqv {
 
+namespace {
+
+void ReportUndelivered(const ReceiveRecordView &receive, RecipientList &users, const char *reason) {
+  std::string names;
+  for (std::optional<std::string> user = users.First(); user; user = users.Next())
+    names += (names.empty() ? "" : ",") + *user;
+  LogMessage(nullptr, kServiceEventSource, platform::kEventError,
+             "Received fax '%s' from '%s' for '%s' could not be delivered: %s",
+             receive.Text(receive::FaxFile).c_str(), receive.Text(receive::RemoteId).c_str(), names.c_str(),
+             reason);
+}
+
+}  // namespace
+
 void DeliverReceivedFax(ReceiveRecordView receive, RecipientList &list) {
   MessageWriter writer;
-  if (!writer.Create(GatewayDirection::In)) return;
+  if (!writer.Create(GatewayDirection::In)) {
+    // Routed apart: the caller's list stays empty, as the receive log must show.
+    RecipientList wanted;
+    Route(receive, wanted);
+    ReportUndelivered(receive, wanted, "no message file could be created");
+    return;
+  }
   // Routing sees the identifier as the fax service gave it.
   Route(receive, list);
   if (receive.Text(receive::RemoteId).empty())
@@ -40,12 +63,18 @@ void DeliverReceivedFax(ReceiveRecordView receive, RecipientList &list) {
   writer.SetDeliveryTime(static_cast<std::int32_t>(platform::CurrentTime()));
   writer.AddBody(FormatReceivedReport(receive));
 
-  writer.AddAttachment(receive.Text(receive::FaxFile));
+  const std::string image = receive.Text(receive::FaxFile);
+  const bool imageAttached = writer.AddAttachment(image);
   // Nobody to read it: the recognised text goes only with a fax that reached a user.
   const std::string textFile = receive.Text(receive::OcrTextFile);
   if (receive.Number(receive::AttachOcrText) != 0 && addressed && !textFile.empty() && FileExists(textFile))
     writer.AddAttachment(textFile);
-  writer.Close();
+  if (!writer.Close())
+    ReportUndelivered(receive, list, "the message could not be written whole");
+  else if (!imageAttached && IsAttachable(image))
+    ReportUndelivered(receive, list, "the fax image could not be read");
+  else if (!addressed)
+    ReportUndelivered(receive, list, "no user was routed to it");
 }
 
 }  // namespace tqv

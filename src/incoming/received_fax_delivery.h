@@ -1,6 +1,6 @@
 // A received fax as one message to every user that routing chose: the reception report as its
 // body, the fax image and, when asked for, the recognised text as attachments. When the message
-// file cannot be created the fax is neither routed nor delivered; nothing is reported.
+// file cannot be created the fax is neither routed nor delivered, and an event names it.
 #pragma once
 
 #include <cstddef>

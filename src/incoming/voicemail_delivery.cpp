@@ -185,10 +185,25 @@ std::int32_t NextVoicemailNumber(std::string_view box) {
   return highest + 1;
 }
 
+namespace {
+
+// A recording the catch-all pass moved is found only through its message; an operator must hear
+// of one that was not written.
+void ReportUnannounced(std::string_view user, std::int32_t box, std::int32_t messageNumber) {
+  LogMessage(nullptr, kServiceEventSource, platform::kEventError,
+             "The message to '%s' about voicemail %d of box %d could not be written",
+             std::string(user).c_str(), messageNumber, box);
+}
+
+}  // namespace
+
 void WriteVoicemailMessage(std::string_view user, std::int32_t box, std::int32_t messageNumber,
                            std::int32_t durationSeconds, std::int32_t sizeBytes, std::string_view digits) {
   MessageWriter writer;
-  if (!writer.Create(GatewayDirection::In)) return;
+  if (!writer.Create(GatewayDirection::In)) {
+    ReportUnannounced(user, box, messageNumber);
+    return;
+  }
   writer.SetSender(kVoicemailSender);
   writer.AddRecipient(user);
   char subject[96];
@@ -202,7 +217,7 @@ void WriteVoicemailMessage(std::string_view user, std::int32_t box, std::int32_t
   writer.SetPagesTransferred(0);
   writer.SetDeliveryTime(static_cast<std::int32_t>(platform::CurrentTime()));
   writer.AddBody(FormatVoicemailReport(box, messageNumber, durationSeconds, sizeBytes, digits));
-  writer.Close();
+  if (!writer.Close()) ReportUnannounced(user, box, messageNumber);
 }
 
 }  // namespace tqv

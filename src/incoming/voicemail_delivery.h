@@ -32,8 +32,8 @@ void DeliverVoicemailFile(std::string_view descriptionPath);
 // voicemail directory, or 1: never more than kMaxVoicemailNumber.
 std::int32_t NextVoicemailNumber(std::string_view box);
 
-// One message to the user announcing the recording. Skipped silently when no message file can be
-// created.
+// One message to the user announcing the recording. When it cannot be written an event says so:
+// a recording the catch-all pass moved is found only through its message.
 void WriteVoicemailMessage(std::string_view user, std::int32_t box, std::int32_t messageNumber,
                            std::int32_t durationSeconds, std::int32_t sizeBytes, std::string_view digits);
 
