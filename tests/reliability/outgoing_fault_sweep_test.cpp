@@ -1,0 +1,192 @@
+// Every file operation of the outgoing road fails in turn: a message or text file may go only when
+// its jobs, its error report or an event naming it are there, and every job left is whole.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <array>
+#include <filesystem>
+#include <map>
+#include <set>
+#include <string>
+
+#include "common/job_record.h"
+#include "host/entry_points.h"
+#include "support/fault_sweep.h"
+
+namespace tqv {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr std::string_view kDocument = "%PDF-1.4 price list";
+constexpr std::string_view kText = "Please fax this.\r\n";
+
+// A message to one number by its address and one more by an option line, with one document.
+std::string GatewayMessage(std::string_view sender) {
+  const std::string body = "::Bob,0711 42\r\n" + std::string(kText);
+  return "MAIL FROM:" + std::string(sender) + "\r\nRCPT TO:089 123 456@fax\r\nSubject:Price list\r\n" +
+         "----beginbody:" + std::to_string(body.size()) + "\r\n" + body + "\r\n----endbody\r\n" +
+         "----beginattach:prices.pdf:" + std::to_string(kDocument.size()) + "\r\n" + std::string(kDocument) +
+         "\r\n----endattach\r\n";
+}
+
+class OutgoingFaultSweep : public testing::FaultSweepTest {
+ protected:
+  void InstallSender() const {
+    WriteFile(ProductDir() + "/tqstring.ini", "[English]\r\nT706=Sender may not fax\r\nT901=Failed: \r\n");
+    fs::create_directories(ProductDir() + "/COVER");
+    WriteFile(ProductDir() + "/COVER/memo.rtf", "{\\rtf memo}");
+    WriteFile(ProductDir() + "/tqvadmin.ini",
+              "[Recipient List]\r\nann@example.com=Ann Example\r\n[Recipients Properties]\r\n"
+              "ann@example.com=7425\r\n[ann@example.com]\r\nT_00000=TEMPLATE," +
+                  ProductDir() + "/COVER/memo.rtf\r\nDefaultTemplate=TEMPLATE\r\n");
+    ASSERT_EQ(host::Initialise(0, ""), 0);
+  }
+  // The error reports of gateway-in that are whole: a fault may change what a report says (an
+  // option file that cannot be read is reported as such), but a whole one ends with the document.
+  std::size_t WholeReports() const {
+    const std::string documentBlock =
+        ":" + std::to_string(kDocument.size()) + "\r\n" + std::string(kDocument) + "\r\n----endattach\r\n";
+    const std::map<std::string, std::string> reports = FilesIn(GatewayIn());
+    return static_cast<std::size_t>(std::count_if(reports.begin(), reports.end(), [&](const auto &report) {
+      return report.second.ends_with(documentBlock);
+    }));
+  }
+  // A report that is there but not whole, or none where one is due, must be told as an event.
+  void ExpectReportWholeOrAnEvent(std::size_t due, const std::string &sender) const {
+    if (WholeReports() < due || WholeReports() < FilesIn(GatewayIn()).size()) {
+      EXPECT_TRUE(EventNames({sender, "Price list"}) || EventNames({"MSG00001.TMP", "deleted"}))
+          << "a report is missing or not whole, and no event\n"
+          << EventList();
+    }
+  }
+  void Scan() const {
+    std::array<unsigned char, kJobRecordSize> buffer{};
+    host::Scan(0, buffer.data());
+  }
+
+  // The whole jobs of the pending directory by recipient; a job file that is not a whole record
+  // is allowed only when the disk refused its write and then its removal too.
+  std::map<std::string, JobRecord> WholeJobs(const testing::FaultPlan &plan) const {
+    std::map<std::string, JobRecord> jobs;
+    for (const auto &[name, bytes] : FilesIn(PendingDir())) {
+      if (!name.ends_with(".TQV")) continue;
+      const bool whole =
+          bytes.size() == kJobRecordSize && JobRecord::CopyOf(bytes.data()).View().HasValidHeader();
+      if (whole) {
+        const JobRecord job = JobRecord::CopyOf(bytes.data());
+        jobs.emplace(job.View().Text(job::RecipientNumber), job);
+      } else {
+        EXPECT_TRUE(plan.toTheEnd && bytes.empty()) << "damaged job file " << name;
+      }
+    }
+    return jobs;
+  }
+
+  // The documents a job names: each holds what it should, or is missing because its copy failed.
+  // That copy is the one file operation that makes it, so under a single fault it may be the only
+  // thing missing in the run.
+  std::size_t CountMissingDocuments(const JobRecordView &job) const {
+    std::vector<std::pair<std::string, std::string_view>> named;
+    if (!job.Text(job::MessageTextFile).empty()) named.emplace_back(job.Text(job::MessageTextFile), kText);
+    for (int i = 0; i < job.UsableFileCount(); ++i)
+      named.emplace_back(job.Text(job::File(i)), job.IsTextFileJob() ? kText : kDocument);
+    std::size_t missing = 0;
+    for (const auto &[path, expected] : named) {
+      if (!Exists(Native(path))) {
+        ++missing;
+        continue;
+      }
+      EXPECT_EQ(ReadFile(Native(path)), expected) << path;
+    }
+    return missing;
+  }
+};
+
+TEST_F(OutgoingFaultSweep, AMessageIsNeverGoneWithoutItsJobsItsReportOrAnEvent) {
+  std::set<std::string> recipients;
+  Sweep({
+      [&] {
+        InstallSender();
+        WriteFile(GatewayOut() + "/MSG00001.TMP", GatewayMessage("ann@example.com"));
+      },
+      [&] { Scan(); },
+      [&](const testing::FaultPlan &plan) {
+        const std::map<std::string, JobRecord> jobs = WholeJobs(plan);
+        const std::size_t reports = WholeReports();
+        if (!plan.Faulted()) {
+          ASSERT_EQ(jobs.size(), 2u);
+          ASSERT_EQ(reports, 0u);
+          for (const auto &job : jobs)
+            recipients.insert(job.first);
+        }
+        std::size_t missing = 0;
+        for (const auto &job : jobs)
+          missing += CountMissingDocuments(job.second.View());
+        const bool allJobs =
+            std::all_of(recipients.begin(), recipients.end(),
+                        [&](const std::string &recipient) { return jobs.contains(recipient); });
+        EXPECT_TRUE(missing == 0 || (!plan.toTheEnd && missing == 1 && allJobs))
+            << missing << " documents missing";
+        if (!Exists(GatewayOut() + "/MSG00001.TMP")) {
+          // A message the reader could not open or read is named by its file: its sender may be unknown.
+          EXPECT_TRUE(allJobs || reports > 0 || EventNames({"ann@example.com", "Price list"}) ||
+                      EventNames({"MSG00001.TMP", "deleted"}))
+              << jobs.size() << " of " << recipients.size() << " jobs, no report and no event\n"
+              << EventList();
+        }
+      },
+  });
+}
+
+TEST_F(OutgoingFaultSweep, AMessageThatCannotBeFaxedIsNeverGoneWithoutItsReportOrAnEvent) {
+  Sweep({
+      [&] {
+        InstallSender();
+        WriteFile(GatewayOut() + "/MSG00001.TMP", GatewayMessage("eve@example.com"));
+      },
+      [&] { Scan(); },
+      [&](const testing::FaultPlan &plan) {
+        if (!plan.Faulted()) {
+          ASSERT_EQ(WholeReports(), 1u);
+        }
+        EXPECT_TRUE(WholeJobs(plan).empty());
+        if (!Exists(GatewayOut() + "/MSG00001.TMP")) ExpectReportWholeOrAnEvent(1, "eve@example.com");
+      },
+  });
+}
+
+TEST_F(OutgoingFaultSweep, ATextFileIsNeverGoneWithoutItsJobsItsErrorFileOrAnEvent) {
+  std::set<std::string> numbers;
+  Sweep({
+      [&] {
+        fs::create_directories(PathOf("text"));
+        WriteFile(PathOf("text/ORDER.TXT"), "::Ann,0711 1\r\n::Bob,0711 2\r\n" + std::string(kText));
+        ASSERT_EQ(host::Initialise(1, PathOf("text").c_str()), 0);
+      },
+      [&] { Scan(); },
+      [&](const testing::FaultPlan &plan) {
+        const std::map<std::string, JobRecord> jobs = WholeJobs(plan);
+        if (!plan.Faulted()) {
+          ASSERT_EQ(jobs.size(), 2u);
+          for (const auto &job : jobs)
+            numbers.insert(job.first);
+        }
+        std::size_t missing = 0;
+        for (const auto &job : jobs)
+          missing += CountMissingDocuments(job.second.View());
+        const bool allJobs = std::all_of(numbers.begin(), numbers.end(),
+                                         [&](const std::string &number) { return jobs.contains(number); });
+        EXPECT_TRUE(missing == 0 || (!plan.toTheEnd && missing == 1 && allJobs))
+            << missing << " documents missing";
+        if (!Exists(PathOf("text/ORDER.TXT"))) {
+          EXPECT_TRUE(allJobs || Exists(PathOf("text/ORDER.ERR")) || EventNames({"ORDER.TXT"}))
+              << jobs.size() << " of " << numbers.size() << " jobs, and no event\n"
+              << EventList();
+        }
+      },
+  });
+}
+
+}  // namespace
+}  // namespace tqv
