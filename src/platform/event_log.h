@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <string_view>
 
 namespace tqv::platform {
@@ -14,5 +15,15 @@ inline constexpr std::uint16_t kEventInformation = 4;
 // registered for that module first. Failures lose the event silently.
 void ReportEventToLog(const void *module, std::string_view source, std::uint16_t type,
                       std::string_view message);
+
+// Hands every event ReportEventToLog is given to `recorder` as well, on either backend, so tests
+// read events back where the system's own log cannot be read. It outlives
+// ResetPlatformStateForTesting, which tests also call midway; an empty function ends it.
+using EventRecorder =
+    std::function<void(std::uint16_t type, std::string_view source, std::string_view message)>;
+void SetEventRecorder(EventRecorder recorder);
+
+// Called by the backends once per event, before the system's log sees it.
+void RecordEvent(std::uint16_t type, std::string_view source, std::string_view message);
 
 }  // namespace tqv::platform

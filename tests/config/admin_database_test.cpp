@@ -17,7 +17,9 @@ using AdminDatabase = testing::AdminDatabaseTest;
 TEST_F(AdminDatabase, UserSectionIsStoredUnderParenthesesButKeysKeepBrackets) {
   ASSERT_TRUE(AdminPutString("joe[1]@x", "DefaultCover", "Memo"));
   ASSERT_TRUE(AdminPutString("Recipient List", "joe[1]@x", "Joe One"));
-  EXPECT_EQ(Database(), "[joe(1)@x]\nDefaultCover=Memo\n\n[Recipient List]\njoe[1]@x=Joe One\n");
+  // Windows begins a new section right after the last line; our engine leaves a blank line first.
+  const std::string gap = tqv::testing::kWin32Backend ? "" : "\n";
+  EXPECT_EQ(Database(), "[joe(1)@x]\nDefaultCover=Memo\n" + gap + "[Recipient List]\njoe[1]@x=Joe One\n");
   EXPECT_EQ(AdminGetString("JOE[1]@X", "defaultcover", "", 255), "Memo");
   // Cut first, mapped after: a "]" past character 510 cannot end the header early.
   EXPECT_EQ(AdminSectionName(std::string(509, 'a') + "[]"), std::string(509, 'a') + "(");
@@ -37,17 +39,16 @@ TEST_F(AdminDatabase, StartsFromTheProductDirectoryOfTheMachineFile) {
 }
 
 TEST_F(AdminDatabase, DirectoryTooLongForThePathLeavesNoDatabaseRatherThanAnotherFile) {
-  tqv::testing::SetEnvironment("TQVSPOOL_EVENTLOG", PathOf("events.log").c_str());
   // 247 characters and a separator leave 11 of the 12 that "tqvadmin.ini" needs.
   const std::string directory = Dir() + "/" + std::string(246 - Dir().size(), 'd');
   std::filesystem::create_directories(directory);
   InitAdminDatabase(directory, 10, 10, 10);
-  tqv::testing::UnsetEnvironment("TQVSPOOL_EVENTLOG");
   EXPECT_FALSE(AdminPutString("FaxHeaders", "joe", "Joe"));
   EXPECT_EQ(GetUserProperties("joe"), kDefaultUserProperties);
   EXPECT_EQ(AdminGetString("FaxHeaders", "joe", "none", 3), "no");
   EXPECT_TRUE(std::filesystem::is_empty(directory));
-  EXPECT_NE(ReadFile(PathOf("events.log")).find("too long"), std::string::npos);
+  ASSERT_EQ(Events().size(), 1u);
+  EXPECT_NE(Events()[0].find("too long"), std::string::npos) << Events()[0];
 
   InitAdminDatabase(directory.substr(0, directory.size() - 1), 10, 10, 10);
   EXPECT_EQ(AdminDatabaseFile().size(), 259u);

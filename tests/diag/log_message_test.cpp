@@ -2,6 +2,8 @@
 
 #include <cstdlib>
 #include <ctime>
+#include <string>
+#include <vector>
 
 #include "platform/clock.h"
 #include "platform/event_log.h"
@@ -24,7 +26,6 @@ class LogMessageTest : public testing::TempDirTest {
     tqv::testing::SetEnvironment("TZ", "UTC0");
     tzset();
     platform::SetCurrentTimeSource([] { return kPinnedTime; });
-    tqv::testing::SetEnvironment("TQVSPOOL_EVENTLOG", EventsPath().c_str());
   }
   void TearDown() override {
     if (savedZone_) {
@@ -37,7 +38,6 @@ class LogMessageTest : public testing::TempDirTest {
   }
 
   std::string LogPath() const { return WinDir() + "/CORVANTA.LOG"; }
-  std::string EventsPath() const { return PathOf("events.txt"); }
 
  private:
   std::optional<std::string> savedZone_;
@@ -51,9 +51,8 @@ TEST_F(LogMessageTest, CreatesTheLogAndAppendsOneDatedCrLfLinePerEntry) {
   EXPECT_EQ(ReadFile(LogPath()), std::string(kPinnedPrefix) +
                                      "Cannot open X.TMP (5)\r\n"
                                      "01/01/2025  14:05:02  ends in a newline\r\n\r\n");
-  EXPECT_EQ(ReadFile(EventsPath()),
-            "1\tCorvanta FAX Service\tCannot open X.TMP (5)\n"
-            "2\tCorvanta FAX Service\tends in a newline\n\n");
+  EXPECT_EQ(Events(), (std::vector<std::string>{"1\tCorvanta FAX Service\tCannot open X.TMP (5)",
+                                                "2\tCorvanta FAX Service\tends in a newline", ""}));
 }
 
 TEST_F(LogMessageTest, LogAtTheCapIsAppendedToAndOneByteMoreIsBegunAnew) {
@@ -78,20 +77,21 @@ TEST_F(LogMessageTest, EventsDoNotDependOnTheLogFile) {
     LogMessage(nullptr, kServiceEventSource, platform::kEventError, "while held");
   }
   EXPECT_EQ(ReadFile(LogPath()).substr(0, overCap.size()), overCap) << "a held log is never emptied";
+  EXPECT_EQ(Events(), std::vector<std::string>{"1\tCorvanta FAX Service\twhile held"});
 
   TQV_SKIP_ON_WIN32("the system's Windows directory cannot be moved");
   tqv::testing::SetEnvironment("TQVSPOOL_WINDIR", PathOf("nowhere").c_str());
   LogMessage(nullptr, kServiceEventSource, platform::kEventError, "no directory");
   EXPECT_FALSE(Exists(PathOf("nowhere")));
-  EXPECT_EQ(ReadFile(EventsPath()),
-            "1\tCorvanta FAX Service\twhile held\n1\tCorvanta FAX Service\tno directory\n");
+  EXPECT_EQ(Events(), (std::vector<std::string>{"1\tCorvanta FAX Service\twhile held",
+                                                "1\tCorvanta FAX Service\tno directory"}));
 }
 
 TEST_F(LogMessageTest, EventMessageIsCutButTheLogLineIsNot) {
   const std::string longText(600, 'a');
   LogMessage(nullptr, kAssertionEventSource, platform::kEventError, "%s", longText.c_str());
   EXPECT_EQ(ReadFile(LogPath()), std::string(kPinnedPrefix) + longText + "\r\n");
-  EXPECT_EQ(ReadFile(EventsPath()), "1\tCORVANTA\t" + std::string(kMaxEventMessage, 'a') + "\n");
+  EXPECT_EQ(Events(), std::vector<std::string>{"1\tCORVANTA\t" + std::string(kMaxEventMessage, 'a')});
 }
 
 }  // namespace

@@ -2,7 +2,6 @@
 
 #include <cstdlib>
 #include <filesystem>
-#include <sstream>
 
 #include "host/entry_points.h"
 #include "platform/profile.h"
@@ -16,7 +15,6 @@ namespace tqv::testing {
 void InstallationTest::SetUp() {
   TempDirTest::SetUp();
   host::ResetLibraryStateForTesting();
-  SetEnvironment("TQVSPOOL_EVENTLOG", PathOf("events.log"));
   std::filesystem::create_directories(ProductDir());
   std::filesystem::create_directories(GatewayIn());
   std::filesystem::create_directories(GatewayOut());
@@ -31,7 +29,6 @@ void InstallationTest::SetUp() {
 
 void InstallationTest::TearDown() {
   host::ResetLibraryStateForTesting();
-  UnsetEnvironment("TQVSPOOL_EVENTLOG");
   TempDirTest::TearDown();
 }
 
@@ -46,16 +43,6 @@ std::string InstallationTest::Native(std::string_view windowsPath) {
 void InstallationTest::SetConfig(std::string_view section, std::string_view key,
                                  std::string_view value) const {
   platform::ProfileWriteString(section, key, value, ConfigFile());
-}
-
-std::vector<std::string> InstallationTest::Events() const {
-  std::vector<std::string> events;
-  std::istringstream lines(ReadFile(PathOf("events.log")));
-  for (std::string line; std::getline(lines, line);) {
-    if (!line.empty() && line.back() == '\r') line.pop_back();
-    events.push_back(line);
-  }
-  return events;
 }
 
 }  // namespace tqv::testing

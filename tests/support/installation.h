@@ -1,10 +1,9 @@
 // A complete installation in a temporary directory: the machine file, the product directory with
-// its settings and string file, the two gateway directories, and an event log file to read back.
+// its settings and string file, and the two gateway directories.
 #pragma once
 
 #include <string>
 #include <string_view>
-#include <vector>
 
 #include "support/temp_dir.h"
 
@@ -24,8 +23,6 @@ class InstallationTest : public TempDirTest {
   // The file-system path of a Windows-form path the library reports.
   static std::string Native(std::string_view windowsPath);
   void SetConfig(std::string_view section, std::string_view key, std::string_view value) const;
-  // The events reported so far, each "type\tsource\tmessage".
-  std::vector<std::string> Events() const;
 };
 
 }  // namespace tqv::testing

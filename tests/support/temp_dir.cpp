@@ -6,6 +6,7 @@
 #include <set>
 #include <sstream>
 
+#include "platform/event_log.h"
 #include "platform/platform_state.h"
 #include "platform/windows_directory.h"
 #include "support/platform_backend.h"
@@ -39,13 +40,25 @@ void TempDirTest::SetUp() {
     winDir_ = dir_ + "/windows";
     fs::create_directory(winDir_);
     SetEnvironment("TQVSPOOL_WINDIR", winDir_);
+    // Events would reach syslog otherwise; tests read them from the recorder.
+    SetEnvironment("TQVSPOOL_EVENTLOG", "/dev/null");
   }
-  UnsetEnvironment("TQVSPOOL_EVENTLOG");
   platform::ResetPlatformStateForTesting();
+  events_.clear();
+  platform::SetEventRecorder([this](std::uint16_t type, std::string_view source, std::string_view message) {
+    const std::string event = std::to_string(type) + '\t' + std::string(source) + '\t' + std::string(message);
+    std::istringstream lines(event + '\n');
+    for (std::string line; std::getline(lines, line);) {
+      if (!line.empty() && line.back() == '\r') line.pop_back();
+      events_.push_back(line);
+    }
+  });
 }
 
 void TempDirTest::TearDown() {
+  platform::SetEventRecorder(nullptr);
   platform::ResetPlatformStateForTesting();
+  UnsetEnvironment("TQVSPOOL_EVENTLOG");
   std::error_code ignored;
   if (kWin32Backend) {
     for (const std::string &name : NamesIn(winDir_)) {

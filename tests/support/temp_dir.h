@@ -1,5 +1,5 @@
-// A fresh temporary directory per test, with the Windows directory pointed into it and the
-// platform state reset, so tests never touch the machine's own files.
+// A fresh temporary directory per test, with the Windows directory pointed into it, the platform
+// state reset and reported events recorded, so tests never touch the machine's own files.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -7,6 +7,7 @@
 #include <set>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace tqv::testing {
 
@@ -29,11 +30,15 @@ class TempDirTest : public ::testing::Test {
   void WriteRegionalSettings(std::string_view intlLines) const;
   std::string ReadFile(std::string_view path) const;
   bool Exists(std::string_view path) const;
+  // The events reported so far in this test on either backend, as lines of the POSIX event file:
+  // "type\tsource\tmessage", where a line break in a message begins a further line.
+  const std::vector<std::string> &Events() const { return events_; }
 
  private:
   std::string dir_;
   std::string winDir_;
   std::set<std::string> winDirNames_;  // what the system's Windows directory held before the test
+  std::vector<std::string> events_;
 };
 
 }  // namespace tqv::testing

@@ -43,6 +43,7 @@ void AppendEventLine(const char *path, std::uint16_t type, std::string_view sour
 
 void ReportEventToLog(const void * /*module*/, std::string_view source, std::uint16_t type,
                       std::string_view message) {
+  RecordEvent(type, source, message);
   // Sources need no registration here: syslog takes any identity.
   if (const char *file = std::getenv("TQVSPOOL_EVENTLOG"); file != nullptr && *file != '\0') {
     AppendEventLine(file, type, source, message);

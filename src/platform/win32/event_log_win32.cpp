@@ -47,6 +47,7 @@ bool RegisterSourceFor(const void *module, const std::string &source) {
 
 void ReportEventToLog(const void *module, std::string_view source, std::uint16_t type,
                       std::string_view message) {
+  RecordEvent(type, source, message);
   if ((::GetVersion() & 0x80000000u) != 0) return;  // outside the NT family: no event log
   const std::string sourceName(source);
   if (module != nullptr && !RegisterSourceFor(module, sourceName)) return;
