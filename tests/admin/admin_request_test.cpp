@@ -89,7 +89,7 @@ TEST_F(AdminRequest, StoreAsDefaultGoesFirstAndAStoreOfTheSameNameReplacesIt) {
   EXPECT_EQ(ReadListEntry("ann", "C_", 0), "COVERPGE," + CoverDir() + "/std.rtf");
   EXPECT_EQ(ReadListEntry("ann", "C_", 1), "Letterhead," + first);
   EXPECT_EQ(ReadListEntry("ann", "C_", 2), "Memo," + CoverDir() + "/memo.rtf");
-  EXPECT_TRUE(std::regex_match(Native(first), std::regex(".*/COVER/[0-9A-F]{8}\\.rtf"))) << first;
+  EXPECT_TRUE(std::regex_match(first, std::regex(R"(.*\\COVER\\[0-9A-F]{8}\.rtf)"))) << first;
   EXPECT_EQ(ReadFile(Native(first)), "{\\rtf one}");
   EXPECT_EQ(Default(true), "Letterhead");
 
@@ -107,9 +107,11 @@ TEST_F(AdminRequest, StoredFilesGetASafeExtensionAndNamesEndWithTheLine) {
   SetConfig("Saved Template Attachments", "CheckFormat", "0");
   EXPECT_EQ(Request("A=Terms,default", {Attach("terms", "II*\0")}), "OK: A=Terms,default | E803 %d");
   EXPECT_EQ(Request("T=Plain", {Attach("plain", "text")}), "OK: T=Plain");
-  EXPECT_EQ(Request("T=Odd\rity,default", {Attach("odd.x|y", "text")}), "OK: T=Odd\rity,default");
-  EXPECT_TRUE(std::regex_match(Native(FindAttachment("ann", "Terms", 260).value_or("")),
-                               std::regex(".*/ATTACH/[0-9A-F]{8}\\.FAX")));
+  // After the last "." comes a separator: that extension would leave the directory.
+  fs::create_directory(PathOf("odd.x"));
+  EXPECT_EQ(Request("T=Odd\rity,default", {Attach("odd.x/y", "text")}), "OK: T=Odd\rity,default");
+  EXPECT_TRUE(std::regex_match(FindAttachment("ann", "Terms", 260).value_or(""),
+                               std::regex(R"(.*\\ATTACH\\[0-9A-F]{8}\.FAX)")));
   for (const char *name : {"Plain", "Odd"})
     EXPECT_TRUE(
         std::regex_match(FindTemplate("ann", name, 260).value_or(""), std::regex(".*[0-9A-F]{8}\\.RTF")))

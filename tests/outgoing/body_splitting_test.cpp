@@ -67,8 +67,10 @@ TEST_F(BodySplitting, AFileThatCannotBeOpenedEndsTheSplitAndDeletesWhatWasOpened
   }
   // A body its writer still holds is not opened, so it stays.
   WriteFile(PathOf("body"), "Hello");
-  const std::optional<platform::File> held = platform::File::OpenExclusive(PathOf("body"));
-  EXPECT_EQ(SplitBody(PathOf("body"), PathOf("setup"), PathOf("text")), -1);
+  {
+    const std::optional<platform::File> held = platform::File::OpenExclusive(PathOf("body"));
+    EXPECT_EQ(SplitBody(PathOf("body"), PathOf("setup"), PathOf("text")), -1);
+  }
   EXPECT_EQ(Contents("body") + Contents("setup") + Contents("text"), "Hello--");
 }
 
