@@ -84,7 +84,7 @@ int RemoveBlockedNumber(std::string_view user, std::string_view pattern) {
     const std::string value = ReadListEntry(user, kBlockedPrefix, index);
     if (value.empty()) return removed;
     if (DigitsOf(value) == digits) {
-      RemoveListEntry(user, kBlockedPrefix, index);
+      if (!RemoveListEntry(user, kBlockedPrefix, index)) return -1;
       ++removed;
     } else {
       ++index;

@@ -28,7 +28,8 @@ bool IsNumberBlocked(std::string_view user, std::string_view faxNumber);
 // Appends the pattern to the user's list unless a pattern with the same digits is there, since
 // only the digits count. True when added; an empty pattern, which would end the list, is not.
 bool AddBlockedNumber(std::string_view user, std::string_view pattern);
-// Removes every pattern with the same digits as `pattern`, closing each gap. The number removed.
+// Removes every pattern with the same digits as `pattern`, closing each gap. The number removed,
+// or -1 when the file could not be written.
 int RemoveBlockedNumber(std::string_view user, std::string_view pattern);
 
 }  // namespace tqv

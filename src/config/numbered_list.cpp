@@ -33,14 +33,11 @@ void WriteListEntry(std::string_view section, std::string_view prefix, std::int3
   AdminPutString(section, NumberedKey(prefix, index), value);
 }
 
-void RemoveListEntry(std::string_view section, std::string_view prefix, std::int32_t index) {
+bool RemoveListEntry(std::string_view section, std::string_view prefix, std::int32_t index) {
   for (;; ++index) {
     const std::string next = ReadListEntry(section, prefix, index + 1);
-    if (next.empty()) {
-      AdminPutString(section, NumberedKey(prefix, index), std::nullopt);
-      return;
-    }
-    WriteListEntry(section, prefix, index, next);
+    if (next.empty()) return AdminPutString(section, NumberedKey(prefix, index), std::nullopt);
+    if (!AdminPutString(section, NumberedKey(prefix, index), next)) return false;
   }
 }
 

@@ -34,8 +34,9 @@ void WriteListEntry(std::string_view section, std::string_view prefix, std::int3
                     std::string_view value);
 
 // Removes the entry at `index`: each later entry up to the end of the list moves up one place and
-// the key of the old last one goes, so the list stays without a gap for its readers.
-void RemoveListEntry(std::string_view section, std::string_view prefix, std::int32_t index);
+// the key of the old last one goes, so the list stays without a gap for its readers. False when a
+// write failed, which may leave an entry twice.
+bool RemoveListEntry(std::string_view section, std::string_view prefix, std::int32_t index);
 
 // The two fields, or nullopt when the value has no comma.
 std::optional<EntryFields> SplitEntry(std::string_view value);

@@ -87,7 +87,7 @@ int RemoveRoutes(RouteKind kind, std::string_view user, std::optional<std::strin
     if (value.empty()) return removed;
     const std::optional<EntryFields> fields = SplitEntry(value);
     if (fields && SameName(fields->first, user) && (!routeValue || SameName(fields->second, *routeValue))) {
-      RemoveListEntry(kRoutingSection, prefix, index);
+      if (!RemoveListEntry(kRoutingSection, prefix, index)) return -1;
       ++removed;
     } else {
       ++index;

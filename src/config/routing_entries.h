@@ -45,7 +45,8 @@ int AddCsidRoute(std::string_view user, std::string_view remoteId);
 // pair is there in any letter case, -1 when either is empty or the list is full.
 int AddRoute(RouteKind kind, std::string_view user, std::string_view value);
 // Removes the user's entries of the kind (only those with this value, in any letter case, when one
-// is given), closing each gap; entries without a comma are passed over. The number removed.
+// is given), closing each gap; entries without a comma are passed over. The number removed, or -1
+// when the file could not be written.
 int RemoveRoutes(RouteKind kind, std::string_view user, std::optional<std::string_view> value);
 
 }  // namespace tqv
