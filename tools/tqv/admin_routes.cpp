@@ -159,6 +159,12 @@ std::optional<std::string> FindUser(std::string_view user) {
   return std::nullopt;
 }
 
+std::optional<std::string> ExistingUser(std::string_view user, std::string_view command, std::ostream &err) {
+  std::optional<std::string> stored = FindUser(user);
+  if (!stored) err << "tqv admin " << command << ": no such user: " << DisplayText(user) << "\n";
+  return stored;
+}
+
 std::vector<std::string> CollectBlockedNumbers(std::string_view user) {
   std::vector<std::string> patterns;
   for (std::optional<std::string> pattern = FirstBlockedNumber(user, kListValueSize); pattern;
@@ -169,11 +175,8 @@ std::vector<std::string> CollectBlockedNumbers(std::string_view user) {
 
 int AddRouteCommand(RouteKind kind, std::string_view user, std::string_view value, std::ostream &out,
                     std::ostream &err) {
-  const std::optional<std::string> stored = FindUser(user);
-  if (!stored) {
-    err << "tqv admin route add: no such user: " << DisplayText(user) << "\n";
-    return 1;
-  }
+  const std::optional<std::string> stored = ExistingUser(user, "route add", err);
+  if (!stored) return 1;
   const int result = AddRoute(kind, *stored, value);
   if (result < 0) {
     err << "tqv admin route add: the " << RouteKindName(kind) << " list is full\n";
@@ -216,10 +219,7 @@ int ListRoutesCommand(std::optional<RouteKind> kind, std::optional<std::string_v
 }
 
 int AddBlockCommand(std::string_view user, std::string_view pattern, std::ostream &out, std::ostream &err) {
-  if (!FindUser(user)) {
-    err << "tqv admin block add: no such user: " << DisplayText(user) << "\n";
-    return 1;
-  }
+  if (!ExistingUser(user, "block add", err)) return 1;
   const std::size_t before = CollectBlockedNumbers(user).size();
   if (!AddBlockedNumber(user, pattern)) {
     out << "Already blocked: " << DisplayText(pattern) << "\n";
@@ -252,10 +252,7 @@ int RemoveBlockCommand(std::string_view user, std::string_view pattern, std::ost
 }
 
 int ListBlockCommand(std::string_view user, bool json, std::ostream &out, std::ostream &err) {
-  if (!FindUser(user)) {
-    err << "tqv admin block list: no such user: " << DisplayText(user) << "\n";
-    return 1;
-  }
+  if (!ExistingUser(user, "block list", err)) return 1;
   const std::vector<std::string> patterns = CollectBlockedNumbers(user);
   if (json) {
     JsonWriter writer;

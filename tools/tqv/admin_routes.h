@@ -39,6 +39,8 @@ std::string RenderRoutesJson(const std::vector<RouteRow> &routes);
 // The user as the database spells it, found in any letter case; nullopt for no user. Entries are
 // written with this spelling, since OCR routing compares user names byte for byte.
 std::optional<std::string> FindUser(std::string_view user);
+// FindUser, or nullopt after saying "tqv admin COMMAND: no such user" on `err`.
+std::optional<std::string> ExistingUser(std::string_view user, std::string_view command, std::ostream &err);
 // The user's patterns up to the first empty entry.
 std::vector<std::string> CollectBlockedNumbers(std::string_view user);
 

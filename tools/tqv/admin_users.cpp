@@ -399,11 +399,8 @@ int ChangeUserCommand(std::string_view typed, const UserChanges &changes, bool c
 }
 
 int RemoveUserCommand(std::string_view typed, bool keepFiles, std::ostream &out, std::ostream &err) {
-  const std::optional<std::string> user = FindUser(typed);
-  if (!user) {
-    err << "tqv admin user remove: no such user: " << DisplayText(typed) << "\n";
-    return 1;
-  }
+  const std::optional<std::string> user = ExistingUser(typed, "user remove", err);
+  if (!user) return 1;
   // The stored files of the lists as their writers see them: past entries without a comma, and
   // never the installation's entry 0 of cover pages and templates.
   std::vector<std::string> files;
@@ -467,11 +464,8 @@ int ListUsersCommand(bool json, std::ostream &out) {
 }
 
 int ShowUserCommand(std::string_view typed, bool json, std::ostream &out, std::ostream &err) {
-  const std::optional<std::string> user = FindUser(typed);
-  if (!user) {
-    err << "tqv admin user show: no such user: " << DisplayText(typed) << "\n";
-    return 1;
-  }
+  const std::optional<std::string> user = ExistingUser(typed, "user show", err);
+  if (!user) return 1;
   const UserReport report = CollectUser(*user);
   out << (json ? RenderUserJson(report) : RenderUserText(report));
   return 0;
