@@ -68,7 +68,11 @@ std::unordered_map<std::string, ProbeState> &ProbeStates() {
 
 }  // namespace
 
-std::string MakeUniqueName(std::string_view directory, std::string_view extension) {
+std::string MakeUniqueName(std::string_view directory, std::string_view extension,
+                           const std::set<std::string> *handedOut) {
+  const auto taken = [&](const std::string &name) {
+    return FileExists(name) || (handedOut != nullptr && handedOut->contains(name));
+  };
   // The clock as a 32-bit number: the name has room for eight hexadecimal digits only.
   const auto start = static_cast<std::uint32_t>(platform::CurrentTime());
   const auto nameFor = [&](std::uint32_t number) {
@@ -85,7 +89,7 @@ std::string MakeUniqueName(std::string_view directory, std::string_view extensio
   };
 
   std::string name = nameFor(start);
-  if (!FileExists(name)) return name;
+  if (!taken(name)) return name;
 
   // Thousands of names taken in one second (a message to many recipients) would make each probe
   // walk past all the earlier ones; continue from where the last walk from this start ended.
@@ -98,7 +102,7 @@ std::string MakeUniqueName(std::string_view directory, std::string_view extensio
   while (true) {
     name = nameFor(number);
     // The same name twice means the cut took every digit: no other name can come.
-    if (name == previous || !FileExists(name)) break;
+    if (name == previous || !taken(name)) break;
     previous = std::move(name);
     ++number;
   }

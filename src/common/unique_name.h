@@ -2,6 +2,7 @@
 // name. Neither creates the file, so two callers may get the same name until one of them does.
 #pragma once
 
+#include <set>
 #include <string>
 #include <string_view>
 
@@ -12,8 +13,10 @@ namespace tqv {
 // extension gives a name without a dot. Cut to kMaxPath.
 // A walk past taken names in the same second continues where the previous one ended, so naming
 // thousands of files in one second stays linear; names freed behind that point are not reused
-// until the clock moves on.
-std::string MakeUniqueName(std::string_view directory, std::string_view extension);
+// until the clock moves on. Names in `handedOut` count as taken too: a caller that named a file
+// it could not create must not give that name to a second file.
+std::string MakeUniqueName(std::string_view directory, std::string_view extension,
+                           const std::set<std::string> *handedOut = nullptr);
 
 // Forgets where earlier walks ended.
 void ResetUniqueNamesForTesting();

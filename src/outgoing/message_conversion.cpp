@@ -7,6 +7,7 @@
 #include <array>
 #include <cctype>
 #include <optional>
+#include <set>
 #include <string>
 
 #include "admin/admin_request.h"
@@ -95,6 +96,9 @@ struct Conversion {
   std::string coverPath;
   std::string templatePath;
   bool hasText = false;
+  // Every copy a job names, made or not: a failed copy leaves its name free on disk, and a second
+  // job naming the same file would lose it when the first one finishes.
+  std::set<std::string> copies;
 
   void ReportError(std::string_view errorText) const {
     if (WriteConversionErrorReport(recipients.empty() ? std::string_view() : recipients.front().address,
@@ -221,7 +225,7 @@ std::optional<std::string> ChooseTemplate(const Conversion &message, std::string
 }
 
 // Writes the job of one recipient; false when its job file cannot be created.
-bool WriteJob(const Conversion &message, RecipientEntry &recipient, const ServiceState &service) {
+bool WriteJob(Conversion &message, RecipientEntry &recipient, const ServiceState &service) {
   std::string jobPath;
   auto jobFile = CreateJobFile(jobPath);
   if (!jobFile) return false;
@@ -252,7 +256,8 @@ bool WriteJob(const Conversion &message, RecipientEntry &recipient, const Servic
   job.SetText(job::TemplateFile, message.templatePath);
 
   if (FileExists(message.messageTextPath)) {
-    const std::string textCopy = MakeUniqueName(service.pendingDirectory, "txt");
+    const std::string textCopy = MakeUniqueName(service.pendingDirectory, "txt", &message.copies);
+    message.copies.insert(textCopy);
     platform::CopyFileTo(message.messageTextPath, textCopy, true);
     job.SetText(job::MessageTextFile, textCopy);
   }
@@ -269,7 +274,9 @@ bool WriteJob(const Conversion &message, RecipientEntry &recipient, const Servic
   int fileCount = 0;
   for (const std::string &document : message.attachments) {
     if (fileCount >= kMaxJobFiles) break;
-    const std::string copy = MakeUniqueName(service.pendingDirectory, SafeExtensionOf(document));
+    const std::string copy =
+        MakeUniqueName(service.pendingDirectory, SafeExtensionOf(document), &message.copies);
+    message.copies.insert(copy);
     platform::CopyFileTo(document, copy, true);
     job.SetText(job::File(fileCount++), copy);
   }

@@ -2,6 +2,7 @@
 // when its error file could not be written does it stay, so that its text is not lost.
 #include "outgoing/text_file_conversion.h"
 
+#include <set>
 #include <string>
 
 #include "common/file_extension.h"
@@ -37,8 +38,10 @@ void RemoveIfPresent(std::string_view path) {
 }
 
 // One job to `recipient` with a copy of the text, and of the saved attachment an option named.
+// `copies` holds every copy a job names, made or not, so that no two jobs name the same file.
 bool WriteTextJob(std::string_view source, const RecipientEntry &recipient, const FaxOptions &options,
-                  std::string_view messageTextPath, const AttachmentTable &attachments) {
+                  std::string_view messageTextPath, const AttachmentTable &attachments,
+                  std::set<std::string> &copies) {
   std::string jobPath;
   auto jobFile = CreateJobFile(jobPath);
   if (!jobFile) return false;
@@ -65,12 +68,14 @@ bool WriteTextJob(std::string_view source, const RecipientEntry &recipient, cons
   if (source.size() <= kCustomStringPathLimit) job.SetText(job::CustomString, source);
 
   const std::string &pending = CurrentService().pendingDirectory;
-  const std::string text = MakeUniqueName(pending, SafeExtensionOf(source, kDefaultTextExtension));
+  const std::string text = MakeUniqueName(pending, SafeExtensionOf(source, kDefaultTextExtension), &copies);
+  copies.insert(text);
   platform::CopyFileTo(messageTextPath, text, true);
   job.SetText(job::File(0), text);
   int fileCount = 1;
   for (const std::string &document : attachments) {
-    const std::string copy = MakeUniqueName(pending, SafeExtensionOf(document));
+    const std::string copy = MakeUniqueName(pending, SafeExtensionOf(document), &copies);
+    copies.insert(copy);
     platform::CopyFileTo(document, copy, true);
     job.SetText(job::File(fileCount++), copy);
   }
@@ -111,8 +116,9 @@ bool Convert(const std::string &source, const std::string &setupPath, const std:
     }
   }
   std::size_t written = 0;
+  std::set<std::string> copies;
   for (const RecipientEntry &recipient : recipients) {
-    if (!WriteTextJob(source, recipient, options, messageTextPath, attachments)) {
+    if (!WriteTextJob(source, recipient, options, messageTextPath, attachments, copies)) {
       // The source is deleted all the same: an operator has to know whose faxes were not queued.
       LogMessage(
           nullptr, kServiceEventSource, platform::kEventError,
