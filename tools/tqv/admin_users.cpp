@@ -270,14 +270,17 @@ std::string PrepareText(std::optional<std::string> &text, std::string_view what,
   return problem.empty() ? problem : std::string(what) + ": " + problem;
 }
 
-// A stored file must exist now, and is stored with its full path so the service finds it.
+// A stored file must exist now. It is looked up as the library will look it up, so a Windows-form
+// path works on POSIX too; a relative one is made full, as the service has another directory.
 std::string PrepareFile(std::optional<std::string> &path, std::string_view what) {
   if (!path) return {};
+  const bool full = !path->empty() && (path->front() == '/' || path->front() == '\\' ||
+                                       (path->size() > 1 && (*path)[1] == ':'));
   std::error_code error;
-  const std::filesystem::path full = std::filesystem::absolute(*path, error);
-  if (error || !std::filesystem::is_regular_file(full, error))
-    return std::string(what) + ": no such file: " + *path;
-  *path = full.string();
+  const std::string stored = full ? *path : std::filesystem::absolute(*path, error).string();
+  const auto info = platform::GetEntryInfo(stored);
+  if (error || !info || info->isDirectory) return std::string(what) + ": no such file: " + *path;
+  *path = stored;
   const std::string problem = ValueProblem(*path, kMaxPath);
   return problem.empty() ? problem : std::string(what) + ": " + problem;
 }
