@@ -19,8 +19,8 @@ std::string FaultPlan::Describe() const {
   return "file operation " + std::to_string(first) + (toTheEnd ? " and every later one failing" : " failing");
 }
 
-SweepFigures FaultSweepTest::Sweep(const Road &road) {
-  SweepFigures figures;
+void FaultSweepTest::Sweep(const Road &road) {
+  std::uint64_t runs = 0;
   auto runOnce = [&](const FaultPlan &plan) {
     SCOPED_TRACE(plan.Describe());
     // Every run gets an installation of its own: a new directory, the library state as at load.
@@ -40,21 +40,19 @@ SweepFigures FaultSweepTest::Sweep(const Road &road) {
     const std::uint64_t operations = platform::FileOperationCount();
     platform::FailFileOperations(0, 0);
     road.check(plan);
-    ++figures.runs;
+    ++runs;
     return operations;
   };
 
-  figures.operations = runOnce(FaultPlan{});
-  EXPECT_GT(figures.operations, 0u);
+  const std::uint64_t operations = runOnce(FaultPlan{});
+  EXPECT_GT(operations, 0u);
   for (const bool toTheEnd : {false, true}) {
-    for (std::uint64_t first = 1; first <= figures.operations && !HasFailure(); ++first)
+    for (std::uint64_t first = 1; first <= operations && !HasFailure(); ++first)
       runOnce(FaultPlan{first, toTheEnd});
   }
   const ::testing::TestInfo *test = ::testing::UnitTest::GetInstance()->current_test_info();
   std::printf("[ sweep    ] %s.%s: %llu file operations, %llu runs\n", test->test_suite_name(), test->name(),
-              static_cast<unsigned long long>(figures.operations),
-              static_cast<unsigned long long>(figures.runs));
-  return figures;
+              static_cast<unsigned long long>(operations), static_cast<unsigned long long>(runs));
 }
 
 std::map<std::string, std::string> FaultSweepTest::FilesIn(std::string_view directory) const {

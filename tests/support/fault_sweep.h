@@ -23,11 +23,6 @@ struct FaultPlan {
   std::string Describe() const;
 };
 
-struct SweepFigures {
-  std::uint64_t operations = 0;  // file operations of the road without faults
-  std::uint64_t runs = 0;
-};
-
 class FaultSweepTest : public InstallationTest {
  protected:
   struct Road {
@@ -38,7 +33,8 @@ class FaultSweepTest : public InstallationTest {
 
   // Runs the sweep; `check` first sees the run without faults, whose results later runs compare
   // against. Stops at the first run whose check failed, so one fault is not reported a hundred times.
-  SweepFigures Sweep(const Road &road);
+  // Prints the road's file operations and the runs made.
+  void Sweep(const Road &road);
 
   // The regular files of a directory (a Windows-form path), by name.
   std::map<std::string, std::string> FilesIn(std::string_view directory) const;
