@@ -20,6 +20,14 @@ constexpr std::size_t kDialRoom = 95;
 constexpr std::size_t kCoverDirectoryForTemplate = 249;
 constexpr std::string_view kTextTemplateName = "TXTTEMPL.RTF";
 constexpr std::string_view kJobFileExtension = "TQV";
+// Only names of the last moments can come from the clock again, so a few hundred are plenty.
+constexpr std::size_t kFailedCopyNamesKept = 256;
+
+// Process-wide: the names of copies that jobs name but that could not be made.
+std::set<std::string> &FailedCopyNames() {
+  static std::set<std::string> names;
+  return names;
+}
 
 }  // namespace
 
@@ -34,6 +42,18 @@ std::string WorkFilePath(std::string_view name) {
 std::optional<platform::File> CreateJobFile(std::string &path) {
   path = MakeUniqueName(CurrentService().pendingDirectory, kJobFileExtension);
   return platform::File::CreateExclusive(path);
+}
+
+std::string CopyForJob(std::string_view source, std::string_view extension, std::set<std::string> &named) {
+  std::set<std::string> &failed = FailedCopyNames();
+  named.insert(failed.begin(), failed.end());
+  const std::string copy = MakeUniqueName(CurrentService().pendingDirectory, extension, &named);
+  named.insert(copy);
+  if (!platform::CopyFileTo(source, copy, true)) {
+    if (failed.size() >= kFailedCopyNamesKept) failed.clear();
+    failed.insert(copy);
+  }
+  return copy;
 }
 
 bool FinishJobFile(std::optional<platform::File> &file, std::string_view path, const JobRecord &record) {

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <optional>
+#include <set>
 #include <string>
 #include <string_view>
 
@@ -17,6 +18,12 @@ std::string WorkFilePath(std::string_view name);
 // A new job file in the pending directory, created for writing without sharing; its path goes to
 // `path`. nullopt when it cannot be created.
 std::optional<platform::File> CreateJobFile(std::string &path);
+
+// Copies `source` for one job to a new name with `extension` in the pending directory, and returns
+// the name whether the copy was made or not: the job names it either way. A copy that failed leaves
+// its name free on disk, so no name is given twice: `named` holds those of the conversion under
+// way, and the names of failed copies are kept for the conversions that follow.
+std::string CopyForJob(std::string_view source, std::string_view extension, std::set<std::string> &named);
 
 // Writes the record into the job file that CreateJobFile made, and closes it. When the write
 // fails, the job file and the document copies the record names are removed, so that no job lies

@@ -96,8 +96,8 @@ struct Conversion {
   std::string coverPath;
   std::string templatePath;
   bool hasText = false;
-  // Every copy a job names, made or not: a failed copy leaves its name free on disk, and a second
-  // job naming the same file would lose it when the first one finishes.
+  // Every copy a job names, made or not: two jobs naming one file would lose it when the first
+  // one finishes.
   std::set<std::string> copies;
 
   void ReportError(std::string_view errorText) const {
@@ -225,7 +225,7 @@ std::optional<std::string> ChooseTemplate(const Conversion &message, std::string
 }
 
 // Writes the job of one recipient; false when its job file cannot be created.
-bool WriteJob(Conversion &message, RecipientEntry &recipient, const ServiceState &service) {
+bool WriteJob(Conversion &message, RecipientEntry &recipient) {
   std::string jobPath;
   auto jobFile = CreateJobFile(jobPath);
   if (!jobFile) return false;
@@ -256,10 +256,7 @@ bool WriteJob(Conversion &message, RecipientEntry &recipient, const ServiceState
   job.SetText(job::TemplateFile, message.templatePath);
 
   if (FileExists(message.messageTextPath)) {
-    const std::string textCopy = MakeUniqueName(service.pendingDirectory, "txt", &message.copies);
-    message.copies.insert(textCopy);
-    platform::CopyFileTo(message.messageTextPath, textCopy, true);
-    job.SetText(job::MessageTextFile, textCopy);
+    job.SetText(job::MessageTextFile, CopyForJob(message.messageTextPath, "txt", message.copies));
   }
 
   LookupAddressBook(message.sender, job, job::SenderParty, senderName, "", "");
@@ -274,11 +271,7 @@ bool WriteJob(Conversion &message, RecipientEntry &recipient, const ServiceState
   int fileCount = 0;
   for (const std::string &document : message.attachments) {
     if (fileCount >= kMaxJobFiles) break;
-    const std::string copy =
-        MakeUniqueName(service.pendingDirectory, SafeExtensionOf(document), &message.copies);
-    message.copies.insert(copy);
-    platform::CopyFileTo(document, copy, true);
-    job.SetText(job::File(fileCount++), copy);
+    job.SetText(job::File(fileCount++), CopyForJob(document, SafeExtensionOf(document), message.copies));
   }
   job.SetNumber(job::FileCount, fileCount);
   job.SetRaw(kCustomStringBytesField, message.customString);
@@ -337,7 +330,7 @@ void MakeJobs(Conversion &message, const ServiceState &service) {
 
   std::size_t written = 0;
   for (RecipientEntry &recipient : message.recipients) {
-    if (!WriteJob(message, recipient, service)) {
+    if (!WriteJob(message, recipient)) {
       // The message is deleted after its pass whatever happened; an operator has to know who
       // lost which recipients when the pending directory refuses new files.
       LogMessage(nullptr, kServiceEventSource, platform::kEventError,

@@ -67,18 +67,11 @@ bool WriteTextJob(std::string_view source, const RecipientEntry &recipient, cons
   job.SetText(job::FaxNumber, number);
   if (source.size() <= kCustomStringPathLimit) job.SetText(job::CustomString, source);
 
-  const std::string &pending = CurrentService().pendingDirectory;
-  const std::string text = MakeUniqueName(pending, SafeExtensionOf(source, kDefaultTextExtension), &copies);
-  copies.insert(text);
-  platform::CopyFileTo(messageTextPath, text, true);
-  job.SetText(job::File(0), text);
+  job.SetText(job::File(0),
+              CopyForJob(messageTextPath, SafeExtensionOf(source, kDefaultTextExtension), copies));
   int fileCount = 1;
-  for (const std::string &document : attachments) {
-    const std::string copy = MakeUniqueName(pending, SafeExtensionOf(document), &copies);
-    copies.insert(copy);
-    platform::CopyFileTo(document, copy, true);
-    job.SetText(job::File(fileCount++), copy);
-  }
+  for (const std::string &document : attachments)
+    job.SetText(job::File(fileCount++), CopyForJob(document, SafeExtensionOf(document), copies));
   job.SetNumber(job::FileCount, fileCount);
   job.SetText(job::TextTemplateFile, TextTemplatePath());
   job.SetRaw(job::Tag, tag);

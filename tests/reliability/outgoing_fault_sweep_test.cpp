@@ -169,6 +169,32 @@ TEST_F(OutgoingFaultSweep, AMessageThatCannotBeFaxedIsNeverGoneWithoutItsReportO
   });
 }
 
+TEST_F(OutgoingFaultSweep, JobsOfTwoMessagesInOnePassNeverShareACopy) {
+  Sweep({
+      [&] {
+        InstallSender();
+        WriteFile(GatewayOut() + "/MSG00001.TMP", GatewayMessage("ann@example.com"));
+        const std::string other = "Another text.\r\n";
+        WriteFile(GatewayOut() + "/MSG00002.TMP",
+                  "MAIL FROM:ann@example.com\r\nRCPT TO:0711 99\r\nSubject:Other\r\n----beginbody:" +
+                      std::to_string(other.size()) + "\r\n" + other + "\r\n----endbody\r\n");
+      },
+      [&] { Scan(); },
+      [&](const testing::FaultPlan &) {
+        // A name a failed copy left free must not go to the other message's copy: the job would
+        // fax a stranger's text, and lose it when the other job finishes.
+        std::set<std::string> named;
+        for (const auto &[recipient, record] : WholeJobs(testing::FaultPlan{1, true})) {
+          const std::string text = record.View().Text(job::MessageTextFile);
+          EXPECT_TRUE(named.insert(text).second) << "two jobs name " << text;
+          if (Exists(Native(text))) {
+            EXPECT_EQ(ReadFile(Native(text)), recipient == "0711 99" ? "Another text.\r\n" : kText);
+          }
+        }
+      },
+  });
+}
+
 TEST_F(OutgoingFaultSweep, ATextFileIsNeverGoneWithoutItsJobsItsErrorFileOrAnEvent) {
   std::set<std::string> numbers;
   Sweep({
