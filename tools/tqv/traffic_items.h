@@ -44,6 +44,8 @@ struct TrafficExpectation {
   int jobs = 0;
   int errorEvents = 0;
   std::map<std::string, int> outputs;
+
+  bool operator==(const TrafficExpectation &) const = default;
 };
 
 struct TrafficItem {
