@@ -118,7 +118,8 @@ std::string FormatNumbers(std::string_view format, std::initializer_list<std::in
       pos += 2;
       continue;
     }
-    const std::size_t directiveEnd = std::min(format.find_first_not_of("-+ #0123456789.", pos + 1), format.size());
+    const std::size_t directiveEnd =
+        std::min(format.find_first_not_of("-+ #0123456789.", pos + 1), format.size());
     const std::size_t end = std::min(format.find_first_not_of("hlLqjzt", directiveEnd), format.size());
     const std::string_view directive = format.substr(pos + 1, directiveEnd - pos - 1);
     const char conversion = end < format.size() ? format[end] : '\0';
