@@ -1,14 +1,18 @@
 // Counter behind the fault-injection seam. Backends ask it once per file operation.
 #include "platform/fault_injection.h"
 
+#include <atomic>
+
 #include "platform/platform_state_internal.h"
 
 namespace tqv::platform {
 
 namespace {
 
+// The count is atomic so that a test may open files from a second thread; arming is done while
+// no other thread touches files.
 struct FaultState {
-  std::uint64_t count = 0;
+  std::atomic<std::uint64_t> count{0};
   std::uint64_t first = 0;  // 0: nothing armed
   std::uint64_t last = 0;
 };
@@ -18,11 +22,20 @@ FaultState &State() {
   return state;
 }
 
+void Arm(std::uint64_t first, std::uint64_t last) {
+  FaultState &state = State();
+  state.count = 0;
+  state.first = first;
+  state.last = last;
+}
+
 }  // namespace
 
 void FailFileOperations(std::uint64_t first, std::uint64_t count) {
-  State() = FaultState{0, first, count == 0 ? 0 : first + count - 1};
-  if (count == 0) State().first = 0;
+  if (count == 0)
+    Arm(0, 0);
+  else
+    Arm(first, first + count - 1);
 }
 
 std::uint64_t FileOperationCount() {
@@ -31,12 +44,12 @@ std::uint64_t FileOperationCount() {
 
 bool FileOperationMustFail() {
   FaultState &state = State();
-  ++state.count;
-  return state.first != 0 && state.count >= state.first && state.count <= state.last;
+  const std::uint64_t count = ++state.count;
+  return state.first != 0 && count >= state.first && count <= state.last;
 }
 
 void ResetFaultInjection() {
-  State() = FaultState{};
+  Arm(0, 0);
 }
 
 }  // namespace tqv::platform

@@ -375,4 +375,34 @@ std::set<std::string> ExportedNames(const std::string &library) {
 }
 #endif
 
+#if defined(_WIN32)
+namespace {
+
+DWORD WINAPI RunTask(LPVOID task) {
+  (*static_cast<const std::function<void()> *>(task))();
+  return 0;
+}
+
+}  // namespace
+
+// The cross build's runtime has no std::thread.
+void RunAlongside(const std::function<void()> &background, const std::function<void()> &foreground) {
+  const HANDLE thread =
+      ::CreateThread(nullptr, 0, RunTask, const_cast<std::function<void()> *>(&background), 0, nullptr);
+  foreground();
+  if (thread == nullptr) {
+    background();
+    return;
+  }
+  ::WaitForSingleObject(thread, INFINITE);
+  ::CloseHandle(thread);
+}
+#else
+void RunAlongside(const std::function<void()> &background, const std::function<void()> &foreground) {
+  std::thread thread(background);
+  foreground();
+  thread.join();
+}
+#endif
+
 }  // namespace tqv::testing

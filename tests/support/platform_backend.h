@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <cstdint>
+#include <functional>
 #include <set>
 #include <string>
 #include <string_view>
@@ -66,6 +67,9 @@ ProgramOutcome RunProgram(const std::string &program, const std::vector<std::str
 // The names a shared library exports: its dynamic symbols on POSIX, its export directory on
 // Windows. Empty when the file cannot be read.
 std::set<std::string> ExportedNames(const std::string &library);
+
+// Runs `background` on a second thread while `foreground` runs on this one; returns when both have.
+void RunAlongside(const std::function<void()> &background, const std::function<void()> &foreground);
 
 }  // namespace tqv::testing
 

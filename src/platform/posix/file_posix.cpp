@@ -50,6 +50,27 @@ int OpenFlags(FileAccess access, FileCreation creation) {
   return flags;
 }
 
+int OpenDescriptor(const std::string &nativePath, int flags) {
+  int fd;
+  do {
+    fd = ::open(nativePath.c_str(), flags, 0666);
+  } while (fd < 0 && errno == EINTR);
+  return fd;
+}
+
+bool IsRegularFile(int fd) {
+  struct stat info {};
+  return ::fstat(fd, &info) == 0 && !S_ISDIR(info.st_mode);
+}
+
+bool Lock(int fd, int lockMode) {
+  int locked;
+  do {
+    locked = ::flock(fd, lockMode);
+  } while (locked != 0 && errno == EINTR);
+  return locked == 0;
+}
+
 }  // namespace
 
 std::optional<File> File::Open(std::string_view path, FileAccess access, FileSharing sharing,
@@ -57,28 +78,50 @@ std::optional<File> File::Open(std::string_view path, FileAccess access, FileSha
   if (FileOperationMustFail()) return std::nullopt;
   const std::string nativePath = ToNativePath(path);
   if (nativePath.empty()) return std::nullopt;
-  int fd;
-  do {
-    fd = ::open(nativePath.c_str(), OpenFlags(access, creation), 0666);
-  } while (fd < 0 && errno == EINTR);
-  if (fd < 0) return std::nullopt;
-  File file(fd);
-
-  struct stat info {};
-  if (::fstat(fd, &info) != 0 || S_ISDIR(info.st_mode)) return std::nullopt;
-
   const int lockMode = (sharing == FileSharing::None ? LOCK_EX : LOCK_SH) | LOCK_NB;
-  int locked;
-  do {
-    locked = ::flock(fd, lockMode);
-  } while (locked != 0 && errno == EINTR);
-  if (locked != 0) {
-    // The file was ours to create only if it did not exist; a refused CreateNew leaves nothing behind.
-    if (creation == FileCreation::CreateNew) ::unlink(nativePath.c_str());
-    return std::nullopt;
+
+  // A file that exists is opened and locked where it is. One that does not is made under a
+  // temporary name, locked there and only then linked in: creating and locking are two steps on
+  // POSIX, and a reader that opened the new, empty file between them would take it and make this
+  // open fail. A name that appears meanwhile is opened as existing, as Windows would.
+  for (int attempt = 0; attempt < 3; ++attempt) {
+    if (creation != FileCreation::CreateNew) {
+      const int fd = OpenDescriptor(nativePath, OpenFlags(access, FileCreation::OpenExisting));
+      if (fd >= 0) {
+        File file(fd);
+        if (!IsRegularFile(fd) || !Lock(fd, lockMode)) return std::nullopt;
+        if (creation == FileCreation::CreateAlways && ::ftruncate(fd, 0) != 0) return std::nullopt;
+        return file;
+      }
+      if (errno != ENOENT || creation == FileCreation::OpenExisting) return std::nullopt;
+    }
+    const std::string temporary = TemporaryNameBeside(nativePath, "new");
+    const int fd = OpenDescriptor(temporary, OpenFlags(access, FileCreation::CreateNew));
+    if (fd < 0) return std::nullopt;
+    File file(fd);
+    const bool locked = Lock(fd, lockMode);
+    const bool linked = locked && ::link(temporary.c_str(), nativePath.c_str()) == 0;
+    const int linkError = errno;
+    ::unlink(temporary.c_str());
+    if (linked) return file;
+    // Someone opened the temporary file before it was locked; it is gone now, try another name.
+    if (!locked) continue;
+    if (linkError == EEXIST) {
+      if (creation == FileCreation::CreateNew) return std::nullopt;
+      continue;
+    }
+    // A file system without hard links: create in place, with the short gap this avoids elsewhere.
+    const int direct = OpenDescriptor(nativePath, OpenFlags(access, creation));
+    if (direct < 0) return std::nullopt;
+    File inPlace(direct);
+    if (!IsRegularFile(direct) || !Lock(direct, lockMode)) {
+      if (creation == FileCreation::CreateNew) ::unlink(nativePath.c_str());
+      return std::nullopt;
+    }
+    if (creation == FileCreation::CreateAlways && ::ftruncate(direct, 0) != 0) return std::nullopt;
+    return inPlace;
   }
-  if (creation == FileCreation::CreateAlways && ::ftruncate(fd, 0) != 0) return std::nullopt;
-  return file;
+  return std::nullopt;
 }
 
 std::optional<File> File::OpenForAppend(std::string_view path) {

@@ -7,7 +7,6 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <atomic>
 #include <cerrno>
 #include <cstring>
 
@@ -49,13 +48,6 @@ bool HeldByAnother(const std::string &nativePath) {
   const bool held = ::flock(fd, LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK;
   ::close(fd);
   return held;
-}
-
-std::string TemporaryNameBeside(const std::string &nativeTarget) {
-  static std::atomic<unsigned> counter{0};
-  const std::size_t cut = nativeTarget.find_last_of('/');
-  const std::string directory = cut == std::string::npos ? std::string() : nativeTarget.substr(0, cut + 1);
-  return directory + ".tqvcopy." + std::to_string(::getpid()) + "." + std::to_string(counter++);
 }
 
 bool CopyContents(File &from, int to) {
@@ -140,7 +132,7 @@ bool CopyFileTo(std::string_view source, std::string_view target, bool failIfExi
     return false;
 
   // The copy is made under a temporary name and only then given the target name.
-  const std::string temporary = TemporaryNameBeside(nativeTarget);
+  const std::string temporary = TemporaryNameBeside(nativeTarget, "copy");
   const int out = ::open(temporary.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
   if (out < 0) return false;
   bool ok = CopyContents(*input, out);

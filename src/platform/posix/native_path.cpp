@@ -1,6 +1,9 @@
 // Path mapping of the POSIX backend. Pure string work; it cannot fail.
 #include "platform/posix/native_path.h"
 
+#include <unistd.h>
+
+#include <atomic>
 #include <cctype>
 #include <cstdlib>
 
@@ -25,6 +28,14 @@ std::string ToNativePath(std::string_view windowsPath) {
   for (char c : rest)
     result.push_back(c == '\\' ? '/' : c);
   return result;
+}
+
+std::string TemporaryNameBeside(const std::string &nativeTarget, std::string_view tag) {
+  static std::atomic<unsigned> counter{0};
+  const std::size_t cut = nativeTarget.find_last_of('/');
+  const std::string directory = cut == std::string::npos ? std::string() : nativeTarget.substr(0, cut + 1);
+  return directory + ".tqv" + std::string(tag) + "." + std::to_string(::getpid()) + "." +
+         std::to_string(counter++);
 }
 
 }  // namespace tqv::platform

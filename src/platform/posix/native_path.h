@@ -10,4 +10,8 @@ namespace tqv::platform {
 // variable is set, and dropped otherwise.
 std::string ToNativePath(std::string_view windowsPath);
 
+// A hidden name in the target's directory, unique in this process and among processes, under
+// which a file is made before it is given the target's name ("tag" says what for).
+std::string TemporaryNameBeside(const std::string &nativeTarget, std::string_view tag);
+
 }  // namespace tqv::platform
