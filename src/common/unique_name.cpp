@@ -91,13 +91,15 @@ std::string MakeUniqueName(std::string_view directory, std::string_view extensio
   std::string name = nameFor(start);
   if (!taken(name)) return name;
 
-  // Thousands of names taken in one second (a message to many recipients) would make each probe
-  // walk past all the earlier ones; continue from where the last walk from this start ended.
+  // Thousands of names taken in a few seconds (a message to many recipients) would make each probe
+  // walk past all the earlier ones, and the names run ahead of the clock: while the clock is still
+  // inside the stretch the last walk passed, continue from where that walk ended.
   std::string key(directory);
   key.push_back('|');
   key += extension;
   ProbeState &probe = ProbeStates()[key];
-  std::uint32_t number = (probe.start == start && probe.free != start) ? probe.free : start + 1;
+  const bool insideLastWalk = start - probe.start < probe.free - probe.start;
+  std::uint32_t number = insideLastWalk ? probe.free : start + 1;
   std::string previous = std::move(name);
   while (true) {
     name = nameFor(number);

@@ -11,10 +11,10 @@ namespace tqv {
 // directory\XXXXXXXX.ext with eight upper-case hexadecimal digits counted up from the current
 // time until no such file exists. A "." is put before the extension unless it has one; an empty
 // extension gives a name without a dot. Cut to kMaxPath.
-// A walk past taken names in the same second continues where the previous one ended, so naming
-// thousands of files in one second stays linear; names freed behind that point are not reused
-// until the clock moves on. Names in `handedOut` count as taken too: a caller that named a file
-// it could not create must not give that name to a second file.
+// While the clock is still inside the stretch of names the previous walk passed, a walk continues
+// where that one ended, so naming thousands of files in a few seconds stays linear; names freed
+// behind that point are not reused until the clock passes it. Names in `handedOut` count as taken
+// too: a caller that named a file it could not create must not give that name to a second file.
 std::string MakeUniqueName(std::string_view directory, std::string_view extension,
                            const std::set<std::string> *handedOut = nullptr);
 

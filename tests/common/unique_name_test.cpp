@@ -45,6 +45,17 @@ TEST_F(UniqueName, ContinuedWalkStillChecksEveryName) {
   // A free clock name is always the answer, whatever earlier walks found.
   std::filesystem::remove(PathOf("00000100.TQV"));
   EXPECT_EQ(MakeUniqueName(Dir(), "TQV"), Dir() + "\\00000100.TQV");
+
+  // The names ran ahead of the clock: a later second inside the walked stretch goes on from its
+  // end, and a name freed behind it waits until the clock gets there.
+  for (const char *name : {"00000100.TQV", "00000104.TQV"})
+    WriteFile(PathOf(name), "");
+  EXPECT_EQ(MakeUniqueName(Dir(), "TQV"), Dir() + "\\00000105.TQV");
+  std::filesystem::remove(PathOf("00000102.TQV"));
+  PinClock(0x101);
+  EXPECT_EQ(MakeUniqueName(Dir(), "TQV"), Dir() + "\\00000105.TQV");
+  PinClock(0x102);
+  EXPECT_EQ(MakeUniqueName(Dir(), "TQV"), Dir() + "\\00000102.TQV");
 }
 
 TEST_F(UniqueName, VariantsFollowTheShortNameSequences) {
