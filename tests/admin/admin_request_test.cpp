@@ -48,14 +48,6 @@ class AdminRequest : public testing::InstallationTest {
     WriteFile(PathOf(name), bytes);
     return PathOf(name);
   }
-  static std::vector<std::string> FilesIn(const std::string &directory) {
-    std::vector<std::string> names;
-    for (const auto &entry : fs::directory_iterator(directory))
-      names.push_back(entry.path().filename().string());
-    std::sort(names.begin(), names.end());
-    return names;
-  }
-
   // A request of ann with the message text; its one reply's subject, and " | " and the error
   // text when the listing has one. "(no single reply)" when it left none or several.
   std::string Request(const std::string &subject, const AttachmentTable &attachments = {},
@@ -100,7 +92,7 @@ TEST_F(AdminRequest, StoreAsDefaultGoesFirstAndAStoreOfTheSameNameReplacesIt) {
   EXPECT_EQ(ReadListEntry("ann", "C_", 2), "Memo," + CoverDir() + "/memo.rtf");
   EXPECT_FALSE(Exists(Native(first))) << "the old stored file goes";
   EXPECT_EQ(ReadFile(Native(second)), "{\\rtf two}");
-  EXPECT_EQ(FilesIn(CoverDir()).size(), 5u);
+  EXPECT_EQ(FileNames(CoverDir()).size(), 5u);
 }
 
 TEST_F(AdminRequest, StoredFilesGetASafeExtensionAndNamesEndWithTheLine) {
@@ -198,11 +190,11 @@ TEST_F(AdminRequest, RefusedRequestsChangeNothing) {
   for (const Case &c : cases) {
     if (!c.setting.empty()) SetConfig(c.setting[0], c.setting[1], c.setting[2]);
     const std::string database = Database();
-    const std::vector<std::string> covers = FilesIn(CoverDir());
+    const std::vector<std::string> covers = FileNames(CoverDir());
     EXPECT_EQ(Request(c.subject, c.attachments, c.text, c.user), c.outcome);
     EXPECT_EQ(Database(), database) << c.subject;
-    EXPECT_EQ(FilesIn(CoverDir()), covers) << c.subject;
-    EXPECT_TRUE(FilesIn(ProductDir() + "/ATTACH").empty()) << c.subject;
+    EXPECT_EQ(FileNames(CoverDir()), covers) << c.subject;
+    EXPECT_TRUE(FileNames(ProductDir() + "/ATTACH").empty()) << c.subject;
     if (!c.setting.empty()) SetConfig(c.setting[0], c.setting[1], c.setting[3]);
   }
 }

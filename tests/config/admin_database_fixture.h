@@ -6,9 +6,13 @@
 #include <string_view>
 
 #include "config/admin_database.h"
+#include "support/platform_backend.h"
 #include "support/temp_dir.h"
 
 namespace tqv::testing {
+
+// Windows begins a new section right after the last line; our engine leaves a blank line first.
+inline const std::string kSectionGap = kWin32Backend ? "" : "\n";
 
 class AdminDatabaseTest : public TempDirTest {
  protected:
@@ -23,12 +27,7 @@ class AdminDatabaseTest : public TempDirTest {
   }
 
   std::string DatabaseFile() const { return PathOf("tqvadmin.ini"); }
-  void WriteDatabase(std::string_view lines) const {
-    std::string bytes;
-    for (char c : lines)
-      bytes += c == '\n' ? std::string("\r\n") : std::string(1, c);
-    WriteFile(DatabaseFile(), bytes);
-  }
+  void WriteDatabase(std::string_view lines) const { WriteFile(DatabaseFile(), Crlf(lines)); }
   std::string Database() const {
     std::string text = ReadFile(DatabaseFile());
     std::erase(text, '\r');

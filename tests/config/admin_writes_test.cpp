@@ -8,15 +8,11 @@
 #include "config/user_details.h"
 #include "config/user_list.h"
 #include "config/user_properties.h"
-#include "support/platform_backend.h"
 
 namespace tqv {
 namespace {
 
 using AdminWrites = testing::AdminDatabaseTest;
-
-// Windows begins a new section right after the last line; our engine leaves a blank line first.
-const std::string kGap = testing::kWin32Backend ? "" : "\n";
 
 // Removal moves the later entries up and drops the last key: the readers stop at the first gap,
 // so a hole would hide every entry after it.
@@ -53,7 +49,8 @@ TEST_F(AdminWrites, BlockedPatternsCompareByTheirDigits) {
   EXPECT_FALSE(IsNumberBlocked("ann", "0049 30"));
   EXPECT_TRUE(IsNumberBlocked("ann", "1 900 555")) << "moved up to B_00000, still read";
   EXPECT_EQ(RemoveBlockedNumber("ann", "0049"), 0);
-  EXPECT_EQ(Database(), "[Recipients Properties]\nann=64\n" + kGap + "[ann]\nB_00000=+1 900\n");
+  EXPECT_EQ(Database(),
+            "[Recipients Properties]\nann=64\n" + testing::kSectionGap + "[ann]\nB_00000=+1 900\n");
 }
 
 TEST_F(AdminWrites, RemovedUserLeavesNothingBehindButOtherUsersKeepTheirs) {
@@ -75,7 +72,8 @@ TEST_F(AdminWrites, NewUserAndVoicemailBoxReadBackAsWritten) {
   EXPECT_EQ(GetUserVoicemail("joe[1]", 47, 47)->text, "Sales");
   EXPECT_EQ(FirstUser(), "joe[1]");
   SetUserVoicemail("joe[1]", "7", "");
-  EXPECT_EQ(Database(), "[Recipient List]\njoe[1]=Joe One\n" + kGap + "[VoiceMail]\njoe[1]=7\n");
+  EXPECT_EQ(Database(),
+            "[Recipient List]\njoe[1]=Joe One\n" + testing::kSectionGap + "[VoiceMail]\njoe[1]=7\n");
   SetUserVoicemail("joe[1]", "", "ignored");
   EXPECT_FALSE(GetUserVoicemail("joe[1]", 47, 47));
 }

@@ -20,10 +20,7 @@ class MessageStrings : public testing::TempDirTest {
 
   // Writes the string file with CR LF line ends, as installations ship it.
   std::string WriteStrings(const std::string &lines) const {
-    std::string bytes;
-    for (char c : lines)
-      bytes += c == '\n' ? std::string("\r\n") : std::string(1, c);
-    WriteFile(PathOf("tqstring.ini"), bytes);
+    WriteFile(PathOf("tqstring.ini"), testing::Crlf(lines));
     return PathOf("tqstring.ini");
   }
 };

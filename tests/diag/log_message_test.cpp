@@ -22,25 +22,13 @@ class LogMessageTest : public testing::TempDirTest {
  protected:
   void SetUp() override {
     TempDirTest::SetUp();
-    if (const char *zone = std::getenv("TZ")) savedZone_ = zone;
-    tqv::testing::SetEnvironment("TZ", "UTC0");
-    tzset();
     platform::SetCurrentTimeSource([] { return kPinnedTime; });
-  }
-  void TearDown() override {
-    if (savedZone_) {
-      tqv::testing::SetEnvironment("TZ", savedZone_->c_str());
-    } else {
-      tqv::testing::UnsetEnvironment("TZ");
-    }
-    tzset();
-    TempDirTest::TearDown();
   }
 
   std::string LogPath() const { return WinDir() + "/CORVANTA.LOG"; }
 
  private:
-  std::optional<std::string> savedZone_;
+  testing::UtcTimeZone utc_;
 };
 
 TEST_F(LogMessageTest, CreatesTheLogAndAppendsOneDatedCrLfLinePerEntry) {

@@ -24,13 +24,6 @@ class HandOver : public testing::InstallationTest {
   }
   std::uint32_t tick = 1000;
 
-  // Names of the message files in the gateway-in directory.
-  std::vector<std::string> Messages() const {
-    std::vector<std::string> messages;
-    for (const auto &entry : std::filesystem::directory_iterator(GatewayIn()))
-      if (entry.is_regular_file()) messages.push_back(ReadFile(entry.path().string()));
-    return messages;
-  }
   // A job of ann's with one document, stored as the pending job file `name`.
   JobRecord StoreJob(const std::string &name, const std::string &faxNumber) const {
     WriteFile(PathOf(name + ".tif"), "II*");

@@ -73,28 +73,7 @@ class MessageConversion : public testing::InstallationTest {
     host::Scan(0, buffer.data());
   }
 
-  std::vector<JobRecord> Jobs() const {
-    std::vector<std::string> paths;
-    for (const auto &entry : fs::directory_iterator(Native(PendingDir())))
-      if (entry.path().extension() == ".TQV") paths.push_back(entry.path().string());
-    std::sort(paths.begin(), paths.end());
-    std::vector<JobRecord> jobs;
-    for (const std::string &path : paths)
-      jobs.push_back(*ReadJobFile(path));
-    return jobs;
-  }
-  // The message files of the gateway-in directory.
-  std::vector<std::string> Reports() const {
-    std::vector<std::string> reports;
-    for (const auto &entry : fs::directory_iterator(GatewayIn()))
-      if (entry.is_regular_file()) reports.push_back(ReadFile(entry.path().string()));
-    return reports;
-  }
-  std::size_t FilesIn(const std::string &directory) const {
-    return static_cast<std::size_t>(
-        std::count_if(fs::directory_iterator(Native(directory)), fs::directory_iterator(),
-                      [](const fs::directory_entry &e) { return e.is_regular_file(); }));
-  }
+  std::size_t FilesIn(const std::string &directory) const { return FileNames(Native(directory)).size(); }
   std::string WorkDir() const { return ProductDir() + "\\TEMP\\TQVSPOOL"; }
 
   std::uint32_t tick = 1000;
@@ -107,7 +86,7 @@ TEST_F(MessageConversion, EachRecipientGetsAJobWithItsOwnCopies) {
   message.attachments = {{"order.pdf", "%PDF-1"}, {"terms", "plain terms"}};
   Convert(message);
 
-  const std::vector<JobRecord> jobs = Jobs();
+  const std::vector<JobRecord> jobs = PendingJobs();
   ASSERT_EQ(jobs.size(), 3u);
   std::vector<std::string> documents;
   for (const JobRecord &record : jobs) {
@@ -137,7 +116,7 @@ TEST_F(MessageConversion, EachRecipientGetsAJobWithItsOwnCopies) {
 
   EXPECT_EQ(FilesIn(GatewayOut()), 0u) << "the message is gone";
   EXPECT_EQ(FilesIn(WorkDir()), 0u) << "the work directory is emptied";
-  EXPECT_TRUE(Reports().empty());
+  EXPECT_TRUE(Messages().empty());
 }
 
 TEST_F(MessageConversion, ReportReachesTheSenderOnceTheHostHasSentTheJob) {
@@ -149,10 +128,10 @@ TEST_F(MessageConversion, ReportReachesTheSenderOnceTheHostHasSentTheJob) {
   JobRecordView job(buffer.data());
   EXPECT_NE(host::ScannedEventAccepted(buffer.data()), 0);
   job.SetNumber(job::Status, kStatusDelivered);
-  EXPECT_TRUE(Reports().empty());
+  EXPECT_TRUE(Messages().empty());
   host::FaxSent(buffer.data());
 
-  const std::vector<std::string> reports = Reports();
+  const std::vector<std::string> reports = Messages();
   ASSERT_EQ(reports.size(), 1u);
   EXPECT_NE(reports[0].find("RCPT TO:ann@example.com\r\n"), std::string::npos);
   EXPECT_NE(reports[0].find("FAX-Status:2\r\n"), std::string::npos);
@@ -170,7 +149,7 @@ TEST_F(MessageConversion, JobFilesThatCannotBeCreatedAreReportedToTheOperator) {
   Convert(message);
   fs::remove(Native(PendingDir()));
   fs::create_directory(Native(PendingDir()));
-  EXPECT_TRUE(Jobs().empty());
+  EXPECT_TRUE(PendingJobs().empty());
   const std::vector<std::string> events = Events();
   ASSERT_FALSE(events.empty());
   EXPECT_NE(events.back().find("Message from 'ann@example.com' with subject 'Order'"), std::string::npos);
@@ -183,7 +162,7 @@ TEST_F(MessageConversion, FileTypeInAnyCaseForcesTheTagForEveryRecipient) {
   message.recipients = {"089 123@fax", "0711 42@fax"};
   message.attachments = {{"a.tif", "II*"}};
   Convert(message);
-  const std::vector<JobRecord> jobs = Jobs();
+  const std::vector<JobRecord> jobs = PendingJobs();
   ASSERT_EQ(jobs.size(), 2u);
   for (const JobRecord &job : jobs)
     EXPECT_EQ(job.View().Raw(job::Tag), kJfaxJobTag);
@@ -213,8 +192,8 @@ TEST_F(MessageConversion, RefusalsAreReportedWithTheirTextAndMakeNoJob) {
   };
   for (const Case &c : cases) {
     Convert(c.message);
-    EXPECT_TRUE(Jobs().empty()) << c.what;
-    const std::vector<std::string> reports = Reports();
+    EXPECT_TRUE(PendingJobs().empty()) << c.what;
+    const std::vector<std::string> reports = Messages();
     ASSERT_EQ(reports.size(), 1u) << c.what;
     EXPECT_NE(reports[0].find("FAX-Status:6\r\n"), std::string::npos) << c.what;
     EXPECT_NE(reports[0].find("###ERROR: " + c.text), std::string::npos) << c.what;
@@ -226,9 +205,9 @@ TEST_F(MessageConversion, RefusalsAreReportedWithTheirTextAndMakeNoJob) {
   WriteFile(ProductDir() + "/tqvadmin.ini",
             "[Recipient List]\r\nann@example.com=Ann\r\n[Recipients Properties]\r\nann@example.com=1\r\n");
   Convert(noTemplate);
-  ASSERT_EQ(Reports().size(), 1u);
-  EXPECT_NE(Reports()[0].find("###ERROR: No template"), std::string::npos);
-  EXPECT_TRUE(Jobs().empty());
+  ASSERT_EQ(Messages().size(), 1u);
+  EXPECT_NE(Messages()[0].find("###ERROR: No template"), std::string::npos);
+  EXPECT_TRUE(PendingJobs().empty());
 }
 
 TEST_F(MessageConversion, FullTablesStopSilentlyOneLessConverts) {
@@ -236,11 +215,11 @@ TEST_F(MessageConversion, FullTablesStopSilentlyOneLessConverts) {
   for (int i = 0; i < 16; ++i)
     documents.attachments.push_back({"p" + std::to_string(i) + ".tif", "II*"});
   Convert(documents);
-  EXPECT_TRUE(Jobs().empty());
+  EXPECT_TRUE(PendingJobs().empty());
   documents.attachments.pop_back();
   Convert(documents);
-  ASSERT_EQ(Jobs().size(), 1u);
-  EXPECT_EQ(Jobs()[0].View().Number(job::FileCount), 15);
+  ASSERT_EQ(PendingJobs().size(), 1u);
+  EXPECT_EQ(PendingJobs()[0].View().Number(job::FileCount), 15);
   for (const auto &entry : fs::directory_iterator(Native(PendingDir())))
     fs::remove(entry.path());
 
@@ -248,11 +227,11 @@ TEST_F(MessageConversion, FullTablesStopSilentlyOneLessConverts) {
   recipients.attachments = {{"a.tif", "II*"}};
   recipients.recipients.assign(1024, "0711 42@fax");
   Convert(recipients);
-  EXPECT_TRUE(Jobs().empty());
+  EXPECT_TRUE(PendingJobs().empty());
   recipients.recipients.pop_back();
   Convert(recipients);
-  EXPECT_EQ(Jobs().size(), 1023u);
-  EXPECT_TRUE(Reports().empty());
+  EXPECT_EQ(PendingJobs().size(), 1023u);
+  EXPECT_TRUE(Messages().empty());
   EXPECT_EQ(FilesIn(GatewayOut()), 0u);
 }
 
@@ -261,15 +240,15 @@ TEST_F(MessageConversion, NoRecipientsMakesNoJobAndNoReport) {
   message.recipients.clear();
   message.attachments = {{"a.tif", "II*"}};
   Convert(message);
-  EXPECT_TRUE(Jobs().empty());
-  EXPECT_TRUE(Reports().empty());
+  EXPECT_TRUE(PendingJobs().empty());
+  EXPECT_TRUE(Messages().empty());
 }
 
 TEST_F(MessageConversion, AttachmentNamesCannotLeaveTheWorkDirectory) {
   Message message;
   message.attachments = {{"x.\\..\\..\\..\\evil", "bad"}, {"y./tmp/evil", "bad"}};
   Convert(message);
-  const std::vector<JobRecord> jobs = Jobs();
+  const std::vector<JobRecord> jobs = PendingJobs();
   ASSERT_EQ(jobs.size(), 1u);
   for (int i = 0; i < 2; ++i) {
     const std::string document = jobs[0].View().Text(job::File(i));
@@ -286,8 +265,8 @@ TEST_F(MessageConversion, AdministrationRequestIsAnsweredNotFaxed) {
   message.subject = "A=Price list";
   message.attachments = {{"prices.tif", "II*"}};
   Convert(message);
-  EXPECT_TRUE(Jobs().empty());
-  const std::vector<std::string> reports = Reports();
+  EXPECT_TRUE(PendingJobs().empty());
+  const std::vector<std::string> reports = Messages();
   ASSERT_EQ(reports.size(), 1u);
   EXPECT_NE(reports[0].find("MAIL FROM:FAXADMIN\r\n"), std::string::npos);
   EXPECT_NE(reports[0].find("    Price list                      3 bytes\r\n"), std::string::npos)
@@ -309,13 +288,13 @@ TEST_F(MessageConversion, MessageStillBeingWrittenWaitsForTheNextPass) {
   std::array<unsigned char, kJobRecordSize> buffer{};
   host::Scan(0, buffer.data());
   EXPECT_TRUE(fs::exists(path));
-  EXPECT_TRUE(Jobs().empty());
+  EXPECT_TRUE(PendingJobs().empty());
 
   writer.reset();
   tick += 20000;
   host::Scan(0, buffer.data());
   EXPECT_FALSE(fs::exists(path));
-  EXPECT_EQ(Jobs().size(), 1u);
+  EXPECT_EQ(PendingJobs().size(), 1u);
 }
 
 }  // namespace

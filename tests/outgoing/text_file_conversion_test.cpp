@@ -37,23 +37,7 @@ class TextFileConversion : public testing::InstallationTest {
     std::array<unsigned char, kJobRecordSize> buffer{};
     host::Scan(0, buffer.data());
   }
-  std::vector<JobRecord> Jobs() const {
-    std::vector<std::string> paths;
-    for (const auto &entry : fs::directory_iterator(Native(PendingDir())))
-      if (entry.path().extension() == ".TQV") paths.push_back(entry.path().string());
-    std::sort(paths.begin(), paths.end());
-    std::vector<JobRecord> jobs;
-    for (const std::string &path : paths)
-      jobs.push_back(*ReadJobFile(path));
-    return jobs;
-  }
-  std::vector<std::string> TextDirNames() const {
-    std::vector<std::string> names;
-    for (const auto &entry : fs::directory_iterator(TextDir()))
-      names.push_back(entry.path().filename().string());
-    std::sort(names.begin(), names.end());
-    return names;
-  }
+  std::vector<std::string> TextDirNames() const { return FileNames(TextDir()); }
 
   std::uint32_t tick = 1000;
 };
@@ -61,7 +45,7 @@ class TextFileConversion : public testing::InstallationTest {
 TEST_F(TextFileConversion, EachRecipientLineBecomesAQueuedJobWithTheTextAsItsDocument) {
   WriteFile(Order(), "::Smith,ACME,0711 42\r\n::Jones,0711 43\r\n::s,h\r\nPlease deliver 40 bearings.\r\n");
   Scan();
-  const std::vector<JobRecord> jobs = Jobs();
+  const std::vector<JobRecord> jobs = PendingJobs();
   ASSERT_EQ(jobs.size(), 2u);
   for (const JobRecord &record : jobs) {
     const JobRecordView job = record.View();
@@ -87,16 +71,16 @@ TEST_F(TextFileConversion, JfaxPatternMakesAJfaxJob) {
   SetConfig("JFAX Dial", "Domain", "jfax.example");
   WriteFile(Order(), "::+44 20 794 600\r\nText\r\n");
   Scan();
-  ASSERT_EQ(Jobs().size(), 1u);
-  EXPECT_EQ(Jobs()[0].View().Raw(job::Tag), kJfaxJobTag);
-  EXPECT_EQ(Jobs()[0].View().Text(job::FaxNumber), "4420794600@jfax.example");
+  ASSERT_EQ(PendingJobs().size(), 1u);
+  EXPECT_EQ(PendingJobs()[0].View().Raw(job::Tag), kJfaxJobTag);
+  EXPECT_EQ(PendingJobs()[0].View().Text(job::FaxNumber), "4420794600@jfax.example");
 }
 
 TEST_F(TextFileConversion, FilesThatCannotBeFaxedLeaveAnErrorFileOrOnlyTheirWorkingCopy) {
   // No option line at all: nothing to fax, the text stays as the working copy.
   WriteFile(Order(), "Just text\r\n");
   Scan();
-  EXPECT_TRUE(Jobs().empty());
+  EXPECT_TRUE(PendingJobs().empty());
   EXPECT_EQ(TextDirNames(), std::vector<std::string>{"ORDER.TMP"});
   fs::remove(TextDir() + "/ORDER.TMP");
 
@@ -104,7 +88,7 @@ TEST_F(TextFileConversion, FilesThatCannotBeFaxedLeaveAnErrorFileOrOnlyTheirWork
   const std::string bad = "::S\r\nText\r\n";
   WriteFile(Order(), bad);
   Scan();
-  EXPECT_TRUE(Jobs().empty());
+  EXPECT_TRUE(PendingJobs().empty());
   EXPECT_EQ(TextDirNames(), std::vector<std::string>{"ORDER.ERR"});
   EXPECT_EQ(ReadFile(TextDir() + "/ORDER.ERR"), "Unknown option S\r\n\r\n\r\n" + bad);
   fs::remove(TextDir() + "/ORDER.ERR");
@@ -122,13 +106,13 @@ TEST_F(TextFileConversion, FilesThatCannotBeFaxedLeaveAnErrorFileOrOnlyTheirWork
     Scan();
     EXPECT_TRUE(TextDirNames().empty()) << content;
   }
-  EXPECT_TRUE(Jobs().empty());
+  EXPECT_TRUE(PendingJobs().empty());
 }
 
 TEST_F(TextFileConversion, ResultFilesComeBackBesideTheSourceUnderFreeNames) {
   WriteFile(Order(), "::0711 42\r\n::0711 43\r\nOrder text\r\n");
   Scan();
-  ASSERT_EQ(Jobs().size(), 2u);
+  ASSERT_EQ(PendingJobs().size(), 2u);
   for (int sent = 0; sent < 2; ++sent) {
     std::array<unsigned char, kJobRecordSize> buffer{};
     ASSERT_EQ(host::Scan(1, buffer.data()), 1);
@@ -148,7 +132,7 @@ TEST_F(TextFileConversion, SavedAttachmentRidesAlongAndTheSourceStillGoesOnce) {
   WriteFile(ProductDir() + "/tqvadmin.ini", "[TEXTFILE]\r\nA_00000=terms," + ProductDir() + "/terms.pdf\r\n");
   WriteFile(Order(), "::0711 42\r\n::A=terms\r\nText\r\n");
   Scan();
-  const std::vector<JobRecord> jobs = Jobs();
+  const std::vector<JobRecord> jobs = PendingJobs();
   ASSERT_EQ(jobs.size(), 1u);
   const JobRecordView job = jobs[0].View();
   ASSERT_EQ(job.Number(job::FileCount), 2);

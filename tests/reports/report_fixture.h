@@ -1,6 +1,6 @@
 // An installed library with a string file of short known texts, the clock stopped at
 // 5 March 2003 14:05:09 and the time zone set to UTC, so report bodies and log lines can be
-// written out in full. Messages() reads back what went to the gateway-in directory.
+// written out in full.
 #pragma once
 
 #include <algorithm>
@@ -28,46 +28,15 @@ inline constexpr std::string_view kReportStrings =
     "T674=Attachments:\r\nT675=Resolution:\r\nT676=Header:\r\nT900=\"OK: \"\r\nT901=\"FAILED: \"\r\n"
     "T902=to\r\nT1000=(missing)\r\n";
 
-// The text with every LF written as CR LF, so expected bodies can be raw string literals.
-inline std::string Crlf(std::string_view text) {
-  std::string result;
-  for (char c : text)
-    c == '\n' ? result += "\r\n" : result += c;
-  return result;
-}
-
 class ReportTest : public InstallationTest {
  protected:
   static constexpr std::int64_t kReportNow = 1046873109;
 
   void SetUp() override {
     InstallationTest::SetUp();
-    if (const char *zone = std::getenv("TZ")) savedZone_ = zone;
-    tqv::testing::SetEnvironment("TZ", "UTC0");
-    tzset();
     WriteFile(ProductDir() + "/tqstring.ini", kReportStrings);
     ASSERT_EQ(host::Initialise(0, ""), 0);
     platform::SetCurrentTimeSource([] { return kReportNow; });
-  }
-  void TearDown() override {
-    savedZone_ ? tqv::testing::SetEnvironment("TZ", savedZone_->c_str())
-               : tqv::testing::UnsetEnvironment("TZ");
-    tzset();
-    InstallationTest::TearDown();
-  }
-
-  // The message files of the gateway-in directory in the order they were numbered.
-  std::vector<std::string> Messages() const {
-    std::vector<std::string> paths;
-    for (const auto &entry : std::filesystem::directory_iterator(GatewayIn()))
-      paths.push_back(entry.path().string());
-    std::sort(paths.begin(), paths.end(), [](const std::string &a, const std::string &b) {
-      return a.size() != b.size() ? a.size() < b.size() : a < b;
-    });
-    std::vector<std::string> messages;
-    for (const std::string &path : paths)
-      messages.push_back(ReadFile(path));
-    return messages;
   }
 
   // The value of the first header line that starts with the keyword.
@@ -79,7 +48,7 @@ class ReportTest : public InstallationTest {
   }
 
  private:
-  std::optional<std::string> savedZone_;
+  UtcTimeZone utc_;
 };
 
 }  // namespace tqv::testing

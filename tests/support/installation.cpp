@@ -1,5 +1,6 @@
 #include "support/installation.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <filesystem>
 
@@ -43,6 +44,25 @@ std::string InstallationTest::Native(std::string_view windowsPath) {
 void InstallationTest::SetConfig(std::string_view section, std::string_view key,
                                  std::string_view value) const {
   platform::ProfileWriteString(section, key, value, ConfigFile());
+}
+
+std::vector<JobRecord> InstallationTest::PendingJobs() const {
+  std::vector<JobRecord> jobs;
+  for (const std::string &name : FileNames(Native(PendingDir()))) {
+    if (name.ends_with(".TQV")) jobs.push_back(ReadJobFile(Native(PendingDir()) + "/" + name).value());
+  }
+  return jobs;
+}
+
+std::vector<std::string> InstallationTest::Messages() const {
+  std::vector<std::string> names = FileNames(GatewayIn());
+  // SGW9 before SGW10.
+  std::stable_sort(names.begin(), names.end(),
+                   [](const std::string &a, const std::string &b) { return a.size() < b.size(); });
+  std::vector<std::string> messages;
+  for (const std::string &name : names)
+    messages.push_back(ReadFile(GatewayIn() + "/" + name));
+  return messages;
 }
 
 }  // namespace tqv::testing

@@ -4,7 +4,9 @@
 
 #include <string>
 #include <string_view>
+#include <vector>
 
+#include "common/job_record.h"
 #include "support/temp_dir.h"
 
 namespace tqv::testing {
@@ -23,6 +25,11 @@ class InstallationTest : public TempDirTest {
   // The file-system path of a Windows-form path the library reports.
   static std::string Native(std::string_view windowsPath);
   void SetConfig(std::string_view section, std::string_view key, std::string_view value) const;
+
+  // The job files of the pending directory, in name order.
+  std::vector<JobRecord> PendingJobs() const;
+  // The message files of the gateway-in directory in the order they were numbered.
+  std::vector<std::string> Messages() const;
 };
 
 }  // namespace tqv::testing

@@ -4,6 +4,7 @@
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
+#include <ctime>
 #include <filesystem>
 #include <fstream>
 #include <memory>
@@ -131,6 +132,17 @@ void UnsetEnvironment(const std::string &name) {
 #else
   unsetenv(name.c_str());
 #endif
+}
+
+UtcTimeZone::UtcTimeZone() {
+  if (const char *zone = std::getenv("TZ")) saved_ = zone;
+  SetEnvironment("TZ", "UTC0");
+  tzset();
+}
+
+UtcTimeZone::~UtcTimeZone() {
+  saved_ ? SetEnvironment("TZ", *saved_) : UnsetEnvironment("TZ");
+  tzset();
 }
 
 std::string MakeTemporaryDirectory() {

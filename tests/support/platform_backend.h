@@ -6,6 +6,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <optional>
 #include <set>
 #include <string>
 #include <string_view>
@@ -23,6 +24,18 @@ inline constexpr bool kWin32Backend = false;
 
 void SetEnvironment(const std::string &name, const std::string &value);
 void UnsetEnvironment(const std::string &name);
+
+// The time zone is UTC while this object lives, so local times do not depend on the machine.
+class UtcTimeZone {
+ public:
+  UtcTimeZone();
+  ~UtcTimeZone();
+  UtcTimeZone(const UtcTimeZone &) = delete;
+  UtcTimeZone &operator=(const UtcTimeZone &) = delete;
+
+ private:
+  std::optional<std::string> saved_;
+};
 
 // A new, empty directory under the system's temporary directory; empty on failure.
 std::string MakeTemporaryDirectory();

@@ -1,5 +1,6 @@
 #include "support/temp_dir.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -94,6 +95,14 @@ std::string TempDirTest::ReadFile(std::string_view path) const {
 
 bool TempDirTest::Exists(std::string_view path) const {
   return fs::exists(fs::path(std::string(path)));
+}
+
+std::vector<std::string> TempDirTest::FileNames(std::string_view directory) const {
+  std::vector<std::string> names;
+  for (const fs::directory_entry &entry : fs::directory_iterator(fs::path(std::string(directory))))
+    if (entry.is_regular_file()) names.push_back(entry.path().filename().string());
+  std::sort(names.begin(), names.end());
+  return names;
 }
 
 }  // namespace tqv::testing

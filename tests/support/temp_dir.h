@@ -11,6 +11,14 @@
 
 namespace tqv::testing {
 
+// The text with every LF written as CR LF, so expected bytes can be written as plain literals.
+inline std::string Crlf(std::string_view text) {
+  std::string result;
+  for (char c : text)
+    c == '\n' ? result += "\r\n" : result += c;
+  return result;
+}
+
 class TempDirTest : public ::testing::Test {
  protected:
   void SetUp() override;
@@ -30,6 +38,8 @@ class TempDirTest : public ::testing::Test {
   void WriteRegionalSettings(std::string_view intlLines) const;
   std::string ReadFile(std::string_view path) const;
   bool Exists(std::string_view path) const;
+  // The names of the regular files of a directory (a native path), sorted.
+  std::vector<std::string> FileNames(std::string_view directory) const;
   // The events reported so far in this test on either backend, as lines of the POSIX event file:
   // "type\tsource\tmessage", where a line break in a message begins a further line.
   const std::vector<std::string> &Events() const { return events_; }

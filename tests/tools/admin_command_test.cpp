@@ -64,12 +64,6 @@ class AdminCommand : public testing::ReportTest {
 
   std::string DatabaseFile() const { return ProductDir() + "/tqvadmin.ini"; }
   std::string Database() const { return Exists(DatabaseFile()) ? ReadFile(DatabaseFile()) : ""; }
-  std::vector<JobRecord> Jobs() const {
-    std::vector<JobRecord> jobs;
-    for (const auto &entry : fs::directory_iterator(Native(PendingDir())))
-      if (entry.path().extension() == ".TQV") jobs.push_back(*ReadJobFile(entry.path().string()));
-    return jobs;
-  }
   // Drops a message with text into the gateway-out directory and runs a scan with its pass.
   void SendFax(const std::string &sender) {
     const std::string body = "Please fax this.";
@@ -108,7 +102,7 @@ class AdminCommand : public testing::ReportTest {
 TEST_F(AdminCommand, UserAddedWithTheToolSendsAFax) {
   WriteFile(PathOf("template.rtf"), "{\\rtf template}");
   SendFax("ann@example.com");
-  EXPECT_TRUE(Jobs().empty()) << "not a user yet";
+  EXPECT_TRUE(PendingJobs().empty()) << "not a user yet";
 
   const Outcome added =
       Admin({"user", "add", "ann@example.com", "--full-name", "Ann Example", "--props",
@@ -121,7 +115,7 @@ TEST_F(AdminCommand, UserAddedWithTheToolSendsAFax) {
       << "CR LF line ends, as the administration program writes them";
 
   SendFax("ann@example.com");
-  const std::vector<JobRecord> jobs = Jobs();
+  const std::vector<JobRecord> jobs = PendingJobs();
   ASSERT_EQ(jobs.size(), 1u);
   EXPECT_EQ(jobs[0].View().Text(job::SenderName), "Ann Example");
   EXPECT_EQ(jobs[0].View().Number(job::FineResolution), 1u);
@@ -132,8 +126,8 @@ TEST_F(AdminCommand, UserAddedWithTheToolSendsAFax) {
   ASSERT_EQ(Admin({"user", "set", "ANN@example.com", "--props", "+OwnFaxHeader,-HighResolution"}).exitCode,
             0);
   SendFax("ann@example.com");
-  ASSERT_EQ(Jobs().size(), 2u);
-  const std::vector<JobRecord> both = Jobs();
+  ASSERT_EQ(PendingJobs().size(), 2u);
+  const std::vector<JobRecord> both = PendingJobs();
   EXPECT_EQ(both[0].View().Text(job::FaxHeader) + both[1].View().Text(job::FaxHeader), "ACME Sales");
   EXPECT_NE(Database().find("ann@example.com=4105\r\n"), std::string::npos) << Database();
 }

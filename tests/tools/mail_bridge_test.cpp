@@ -26,10 +26,6 @@ namespace {
 namespace fs = std::filesystem;
 using namespace std::string_literals;
 
-std::string Crlf(std::string_view text) {
-  return WithCrLf(text);
-}
-
 class MailBridge : public testing::TempDirTest {
  protected:
   void SetUp() override {
@@ -54,13 +50,6 @@ class MailBridge : public testing::TempDirTest {
 
   std::string GatewayIn() const { return PathOf("in"); }
   std::string GatewayOut() const { return PathOf("out"); }
-  std::vector<std::string> FilesIn(const std::string &directory) const {
-    std::vector<std::string> names;
-    for (const auto &entry : fs::directory_iterator(directory))
-      if (entry.is_regular_file()) names.push_back(entry.path().filename().string());
-    std::sort(names.begin(), names.end());
-    return names;
-  }
   PassCounts MailOut(std::string &log) const {
     PassCounts counts;
     std::ostringstream lines;
@@ -159,8 +148,8 @@ TEST_F(MailBridge, RealWorldMailsReachTheReaderAsSent) {
     ASSERT_TRUE(mail) << error;
     const std::optional<std::string> name = PlaceGatewayFile(GatewayOut(), FormatGatewayMail(*mail), error);
     ASSERT_TRUE(name) << error;
-    EXPECT_EQ(FilesIn(GatewayOut()), std::vector<std::string>{*name});
-    EXPECT_EQ(FilesIn(GatewayOut() + "/MAILTMP"), std::vector<std::string>{});
+    EXPECT_EQ(FileNames(GatewayOut()), std::vector<std::string>{*name});
+    EXPECT_EQ(FileNames(GatewayOut() + "/MAILTMP"), std::vector<std::string>{});
 
     bool busy = true;
     const std::optional<GatewayMail> read = ReadGatewayFile(GatewayOut() + "/" + *name, Dir(), busy, error);
@@ -218,7 +207,7 @@ TEST_F(MailBridge, MailThatCannotBeFaxedIsBouncedWithoutAFile) {
   std::istringstream in("From: a@b.example\n\nx\n");
   std::ostringstream err;
   EXPECT_EQ(RunMailIn(GatewayOut(), {"", {"1@fax.example"}}, in, err), kExitTemporaryFailure);
-  EXPECT_EQ(FilesIn(GatewayOut()), std::vector<std::string>{"MAILTMP"});
+  EXPECT_EQ(FileNames(GatewayOut()), std::vector<std::string>{"MAILTMP"});
 }
 
 // A delivery report as the library writes it arrives as a reply to the request, text in UTF-8
@@ -247,7 +236,7 @@ TEST_F(MailBridge, ReportFromTheWriterArrivesAsMail) {
   std::string log;
   const PassCounts counts = MailOut(log);
   EXPECT_EQ(counts.sent, 1) << log;
-  EXPECT_EQ(FilesIn(GatewayIn()), std::vector<std::string>{});
+  EXPECT_EQ(FileNames(GatewayIn()), std::vector<std::string>{});
   EXPECT_EQ(ReadFile(PathOf("args")), "-i -f <> -- anna@fax.example\n");
 
   StartGMime();
@@ -299,11 +288,11 @@ TEST_F(MailBridge, ReportFromTheWriterArrivesAsMail) {
 // go out later stays, and a file its writer still holds is not touched.
 TEST_F(MailBridge, FilesStayUntilSentAndDamagedOnesMoveAside) {
   const std::string report =
-      Crlf("MAIL FROM:FAXADMIN\nRCPT TO:anna@example.com\n----beginbody:4\nok\n\n----endbody\n");
+      testing::Crlf("MAIL FROM:FAXADMIN\nRCPT TO:anna@example.com\n----beginbody:4\nok\n\n----endbody\n");
   WriteFile(GatewayIn() + "/SGW1.TMP", report);
-  WriteFile(GatewayIn() + "/SGW2.TMP", Crlf("MAIL FROM:x\nRCPT TO:y\n----beginbody:90\nshort\n"));
-  WriteFile(GatewayIn() + "/SGW3.TMP", Crlf("MAIL FROM:x\n----beginbody:0\n\n----endbody\n"));
-  WriteFile(GatewayIn() + "/SGW4.TMP", Crlf("RCPT TO:Anna Berger\n"));
+  WriteFile(GatewayIn() + "/SGW2.TMP", testing::Crlf("MAIL FROM:x\nRCPT TO:y\n----beginbody:90\nshort\n"));
+  WriteFile(GatewayIn() + "/SGW3.TMP", testing::Crlf("MAIL FROM:x\n----beginbody:0\n\n----endbody\n"));
+  WriteFile(GatewayIn() + "/SGW4.TMP", testing::Crlf("RCPT TO:Anna Berger\n"));
   WriteFile(GatewayIn() + "/SGW5.TMP", report);
   const std::optional<platform::File> held =
       platform::File::Open(GatewayIn() + "/SGW5.TMP", platform::FileAccess::Write,
@@ -320,8 +309,9 @@ TEST_F(MailBridge, FilesStayUntilSentAndDamagedOnesMoveAside) {
   EXPECT_NE(log.find("failed: SGW4.TMP moved to failed/: recipient \"Anna Berger\" is no mail address"),
             std::string::npos)
       << log;
-  EXPECT_EQ(FilesIn(GatewayIn()), (std::vector<std::string>{"SGW1.TMP", "SGW5.TMP"}));
-  EXPECT_EQ(FilesIn(GatewayIn() + "/failed"), (std::vector<std::string>{"SGW2.TMP", "SGW3.TMP", "SGW4.TMP"}));
+  EXPECT_EQ(FileNames(GatewayIn()), (std::vector<std::string>{"SGW1.TMP", "SGW5.TMP"}));
+  EXPECT_EQ(FileNames(GatewayIn() + "/failed"),
+            (std::vector<std::string>{"SGW2.TMP", "SGW3.TMP", "SGW4.TMP"}));
   EXPECT_NE(ReadFile(PathOf("sent")).find("From: FAXADMIN@fax.example"), std::string::npos);
 
   // Past the retry time a temporary refusal is final too; a refusal for good is final at once.
@@ -335,9 +325,9 @@ TEST_F(MailBridge, FilesStayUntilSentAndDamagedOnesMoveAside) {
   EXPECT_NE(log.find("failed: SGW2.TMP moved to failed/: sendmail refused it with exit code 67"),
             std::string::npos)
       << log;
-  EXPECT_EQ(FilesIn(GatewayIn() + "/failed"),
+  EXPECT_EQ(FileNames(GatewayIn() + "/failed"),
             (std::vector<std::string>{"SGW1.TMP", "SGW2.TMP", "SGW2.TMP.1", "SGW3.TMP", "SGW4.TMP"}));
-  EXPECT_EQ(FilesIn(GatewayIn()), std::vector<std::string>{"SGW5.TMP"});
+  EXPECT_EQ(FileNames(GatewayIn()), std::vector<std::string>{"SGW5.TMP"});
 }
 
 }  // namespace

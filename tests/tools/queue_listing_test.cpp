@@ -71,20 +71,6 @@ TEST_F(QueueListing, ListsEveryJobFileSortedAndTheDamagedWithTheirReason) {
 // Renderings are compared whole, in UTC so the schedule does not depend on the machine.
 class QueueRendering : public ::testing::Test {
  protected:
-  void SetUp() override {
-    if (const char *zone = std::getenv("TZ")) savedZone_ = zone;
-    tqv::testing::SetEnvironment("TZ", "UTC");
-    tzset();
-  }
-  void TearDown() override {
-    if (savedZone_) {
-      tqv::testing::SetEnvironment("TZ", savedZone_->c_str());
-    } else {
-      tqv::testing::UnsetEnvironment("TZ");
-    }
-    tzset();
-  }
-
   static std::vector<QueueEntry> Entries() {
     QueueEntry scheduled{
         .file = "0000ABCD.TQV",
@@ -106,7 +92,7 @@ class QueueRendering : public ::testing::Test {
   }
 
  private:
-  std::optional<std::string> savedZone_;
+  testing::UtcTimeZone utc_;
 };
 
 TEST_F(QueueRendering, TextAndJsonListEachJobAndTheDamaged) {
