@@ -3,13 +3,10 @@
 // skipped silently, as every report is: the request's changes are in the database all the same.)
 #include <gtest/gtest.h>
 
-#include <array>
 #include <filesystem>
 #include <sstream>
 #include <string>
 
-#include "common/job_record.h"
-#include "host/entry_points.h"
 #include "support/fault_sweep.h"
 
 namespace tqv {
@@ -41,24 +38,19 @@ class AdminFaultSweep : public testing::FaultSweepTest {
 TEST_F(AdminFaultSweep, TheDatabaseNamesNoMissingFileAndAReplyIsWholeOrAbsent) {
   Sweep({
       [&] {
-        WriteFile(ProductDir() + "/tqstring.ini", "[English]\r\nT900=OK:\r\nT901=FAILED:\r\n");
         fs::create_directories(CoverDir());
         WriteFile(CoverDir() + "/std.rtf", "{\\rtf}");
-        WriteFile(ProductDir() + "/tqvadmin.ini",
-                  "[Recipient List]\r\nann=Ann\r\n[Recipients "
-                  "Properties]\r\nann=7425\r\n[ann]\r\nC_00000=COVERPGE," +
-                      CoverDir() + "/std.rtf\r\n");
-        ASSERT_EQ(host::Initialise(0, ""), 0);
+        Install("T900=OK:\r\nT901=FAILED:\r\n",
+                "[Recipient List]\r\nann=Ann\r\n[Recipients Properties]\r\nann=7425\r\n[ann]\r\n"
+                "C_00000=COVERPGE," +
+                    CoverDir() + "/std.rtf\r\n");
         WriteFile(GatewayOut() + "/MSG00001.TMP",
                   "MAIL FROM:ann\r\nRCPT "
                   "TO:FAXADMIN\r\nSubject:C=Letterhead,default\r\n----beginattach:letter.rtf:" +
                       std::to_string(kLetterhead.size()) + "\r\n" + std::string(kLetterhead) +
                       "\r\n----endattach\r\n");
       },
-      [&] {
-        std::array<unsigned char, kJobRecordSize> job{};
-        host::Scan(0, job.data());
-      },
+      [&] { Scan(); },
       [&](const testing::FaultPlan &plan) {
         if (!plan.Faulted()) {
           ASSERT_EQ(FilesIn(GatewayIn()).size(), 1u);

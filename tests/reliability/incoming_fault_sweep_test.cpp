@@ -23,11 +23,8 @@ constexpr std::string_view kImage = "II* received fax image";
 
 class IncomingFaultSweep : public testing::FaultSweepTest {
  protected:
-  void Install(const std::string &users) const {
-    WriteFile(ProductDir() + "/tqstring.ini",
-              "[English]\r\nT900=OK: \r\nT901=Failed: \r\nT903=fax from \r\nT4400=New voicemail\r\n");
-    WriteFile(ProductDir() + "/tqvadmin.ini", users);
-    ASSERT_EQ(host::Initialise(0, ""), 0);
+  void Install(std::string_view users) const {
+    FaultSweepTest::Install("T900=OK: \r\nT901=Failed: \r\nT903=fax from \r\nT4400=New voicemail\r\n", users);
   }
   std::string Voice(const std::string &name) const { return ProductDir() + "/VOICE/" + name; }
 };
@@ -92,10 +89,7 @@ TEST_F(IncomingFaultSweep, ARecordingIsNeverLostAndItsAnnouncementIsWholeOrAbsen
         WriteFile(Voice("00120005.PCM"), "pcm 5");
         WriteFile(Voice("00400003.PCM"), "pcm 3");
       },
-      [&] {
-        std::array<unsigned char, kJobRecordSize> job{};
-        host::Scan(0, job.data());
-      },
+      [&] { Scan(); },
       [&](const testing::FaultPlan &plan) {
         const std::map<std::string, std::string> voice = FilesIn(ProductDir() + "\\VOICE");
         if (!plan.Faulted()) {

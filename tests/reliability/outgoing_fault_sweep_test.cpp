@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <array>
 #include <cstdio>
 #include <filesystem>
 #include <map>
@@ -34,14 +33,12 @@ std::string GatewayMessage(std::string_view sender) {
 class OutgoingFaultSweep : public testing::FaultSweepTest {
  protected:
   void InstallSender() const {
-    WriteFile(ProductDir() + "/tqstring.ini", "[English]\r\nT706=Sender may not fax\r\nT901=Failed: \r\n");
     fs::create_directories(ProductDir() + "/COVER");
     WriteFile(ProductDir() + "/COVER/memo.rtf", "{\\rtf memo}");
-    WriteFile(ProductDir() + "/tqvadmin.ini",
-              "[Recipient List]\r\nann@example.com=Ann Example\r\n[Recipients Properties]\r\n"
-              "ann@example.com=7425\r\n[ann@example.com]\r\nT_00000=TEMPLATE," +
-                  ProductDir() + "/COVER/memo.rtf\r\nDefaultTemplate=TEMPLATE\r\n");
-    ASSERT_EQ(host::Initialise(0, ""), 0);
+    Install("T706=Sender may not fax\r\nT901=Failed: \r\n",
+            "[Recipient List]\r\nann@example.com=Ann Example\r\n[Recipients Properties]\r\n"
+            "ann@example.com=7425\r\n[ann@example.com]\r\nT_00000=TEMPLATE," +
+                ProductDir() + "/COVER/memo.rtf\r\nDefaultTemplate=TEMPLATE\r\n");
   }
   // The error reports of gateway-in that are whole: a fault may change what a report says (an
   // option file that cannot be read is reported as such), but a whole one ends with the document.
@@ -60,10 +57,6 @@ class OutgoingFaultSweep : public testing::FaultSweepTest {
           << "a report is missing or not whole, and no event\n"
           << EventList();
     }
-  }
-  void Scan() const {
-    std::array<unsigned char, kJobRecordSize> buffer{};
-    host::Scan(0, buffer.data());
   }
 
   // The whole jobs of the pending directory by recipient; a job file that is not a whole record

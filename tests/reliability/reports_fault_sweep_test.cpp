@@ -24,11 +24,8 @@ class ReportsFaultSweep : public testing::FaultSweepTest {
  protected:
   // A delivered job of ann's, who wants her documents back, with its text and one document.
   JobRecord PrepareFinishedJob(std::string_view tag) const {
-    WriteFile(ProductDir() + "/tqstring.ini", "[English]\r\nT900=OK: \r\nT901=Failed: \r\nT902=fax to\r\n");
-    WriteFile(
-        ProductDir() + "/tqvadmin.ini",
-        "[Recipient List]\r\nann@example.com=Ann\r\n[Recipients Properties]\r\nann@example.com=9473\r\n");
-    EXPECT_EQ(host::Initialise(0, ""), 0);
+    Install("T900=OK: \r\nT901=Failed: \r\nT902=fax to\r\n",
+            "[Recipient List]\r\nann@example.com=Ann\r\n[Recipients Properties]\r\nann@example.com=9473\r\n");
     fs::create_directories(PathOf("archive"));
     WriteFile(Native(PendingDir() + "\\00000001.txt"), "Please fax this.\r\n");
     WriteFile(Native(PendingDir() + "\\00000002.pdf"), kDocument);

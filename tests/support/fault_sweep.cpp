@@ -1,11 +1,14 @@
 #include "support/fault_sweep.h"
 
 #include <algorithm>
+#include <array>
 #include <cstdio>
 #include <filesystem>
 #include <limits>
 #include <sstream>
 
+#include "common/job_record.h"
+#include "host/entry_points.h"
 #include "platform/clock.h"
 #include "platform/fault_injection.h"
 #include "support/platform_backend.h"
@@ -53,6 +56,17 @@ void FaultSweepTest::Sweep(const Road &road) {
   const ::testing::TestInfo *test = ::testing::UnitTest::GetInstance()->current_test_info();
   std::printf("[ sweep    ] %s.%s: %llu file operations, %llu runs\n", test->test_suite_name(), test->name(),
               static_cast<unsigned long long>(operations), static_cast<unsigned long long>(runs));
+}
+
+void FaultSweepTest::Install(std::string_view texts, std::string_view database) const {
+  WriteFile(ProductDir() + "/tqstring.ini", "[English]\r\n" + std::string(texts));
+  WriteFile(ProductDir() + "/tqvadmin.ini", database);
+  ASSERT_EQ(host::Initialise(0, ""), 0);
+}
+
+void FaultSweepTest::Scan() {
+  std::array<unsigned char, kJobRecordSize> buffer{};
+  host::Scan(0, buffer.data());
 }
 
 std::map<std::string, std::string> FaultSweepTest::FilesIn(std::string_view directory) const {

@@ -36,6 +36,12 @@ class FaultSweepTest : public InstallationTest {
   // Prints the road's file operations and the runs made.
   void Sweep(const Road &road);
 
+  // Writes the string file with these English texts and the administration database with these
+  // lines, then starts the library.
+  void Install(std::string_view texts, std::string_view database) const;
+  // One scan call as the fax service makes it, wanting no due jobs.
+  static void Scan();
+
   // The regular files of a directory (a Windows-form path), by name.
   std::map<std::string, std::string> FilesIn(std::string_view directory) const;
   // True when an event names every one of the words. Always true on the Win32 backend, whose
