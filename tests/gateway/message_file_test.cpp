@@ -7,12 +7,11 @@
 #include <vector>
 
 #include "config/service_state.h"
-#include "config/settings_files.h"
 #include "gateway/message_counter.h"
 #include "gateway/message_reader.h"
 #include "platform/file.h"
 #include "platform/profile.h"
-#include "support/temp_dir.h"
+#include "support/installation.h"
 
 namespace tqv {
 namespace {
@@ -28,29 +27,16 @@ constexpr std::string_view kEmptyHeaderLines =
     "FAX-StatusInfo:\r\nFAX-NumRetries:0\r\nFAX-CallDuration:0\r\nFAX-PagesTransferred:0\r\n"
     "FAX-DeliveryTime:0\r\n";
 
-// An installation just large enough for messages: the machine file naming the product directory
-// (where the message counter lives) and the two gateway directories.
-class MessageWriterTest : public testing::TempDirTest {
+// The gateway directories as start-up would set them, without starting the library; the message
+// counter lives in the product directory.
+class MessageWriterTest : public testing::InstallationTest {
  protected:
   void SetUp() override {
-    TempDirTest::SetUp();
-    ResetServiceStateForTesting();
-    ResetSettingsPathsForTesting();
-    for (const std::string &directory : {ProductDir(), GatewayIn(), GatewayOut(), WinDir() + "/Corvanta"})
-      std::filesystem::create_directories(directory);
-    WriteFile(WinDir() + "/Corvanta/TQVMSERV.INI", "[Corvanta]\r\nDirectory=" + ProductDir() + "\r\n");
+    InstallationTest::SetUp();
     CurrentService().gatewayInDirectory = GatewayIn();
     CurrentService().gatewayOutDirectory = GatewayOut();
   }
-  void TearDown() override {
-    ResetServiceStateForTesting();
-    ResetSettingsPathsForTesting();
-    TempDirTest::TearDown();
-  }
 
-  std::string ProductDir() const { return PathOf("product"); }
-  std::string GatewayIn() const { return PathOf("in"); }
-  std::string GatewayOut() const { return PathOf("out"); }
   std::string CounterFile() const { return ProductDir() + "/SGW_ID.INI"; }
   std::string MessageIn(int number) const { return GatewayIn() + "/SGW" + std::to_string(number) + ".TMP"; }
   std::string EmptyMessageWith(std::string_view blocks) const {

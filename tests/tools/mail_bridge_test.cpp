@@ -12,10 +12,9 @@
 #include <vector>
 
 #include "config/service_state.h"
-#include "config/settings_files.h"
 #include "gateway/message_writer.h"
 #include "platform/file.h"
-#include "support/temp_dir.h"
+#include "support/installation.h"
 #include "tqv/mail_in.h"
 #include "tqv/mail_out.h"
 #include "tqv/mail_text.h"
@@ -26,30 +25,16 @@ namespace {
 namespace fs = std::filesystem;
 using namespace std::string_literals;
 
-class MailBridge : public testing::TempDirTest {
+class MailBridge : public testing::InstallationTest {
  protected:
   void SetUp() override {
-    TempDirTest::SetUp();
-    ResetServiceStateForTesting();
-    ResetSettingsPathsForTesting();
-    for (const std::string &directory :
-         {PathOf("product"), GatewayIn(), GatewayOut(), WinDir() + "/Corvanta"})
-      fs::create_directories(directory);
-    WriteFile(WinDir() + "/Corvanta/TQVMSERV.INI", "[Corvanta]\r\nDirectory=" + PathOf("product") + "\r\n");
+    InstallationTest::SetUp();
     CurrentService().gatewayInDirectory = GatewayIn();
     // Records its arguments and the message; exits with the code in the file "exit", if any.
     WriteFile(PathOf("sendmail"), "#!/bin/sh\necho \"$@\" >" + PathOf("args") + "\ncat >" + PathOf("sent") +
                                       "\nexit $(cat " + PathOf("exit") + " 2>/dev/null || echo 0)\n");
     fs::permissions(PathOf("sendmail"), fs::perms::owner_all);
   }
-  void TearDown() override {
-    ResetServiceStateForTesting();
-    ResetSettingsPathsForTesting();
-    TempDirTest::TearDown();
-  }
-
-  std::string GatewayIn() const { return PathOf("in"); }
-  std::string GatewayOut() const { return PathOf("out"); }
   PassCounts MailOut(std::string &log) const {
     PassCounts counts;
     std::ostringstream lines;
