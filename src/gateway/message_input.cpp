@@ -5,6 +5,8 @@
 #include <cstring>
 #include <utility>
 
+#include "platform/file_system.h"
+
 namespace tqv {
 
 void MessageInput::Attach(platform::File file) {
@@ -55,6 +57,23 @@ std::size_t MessageInput::Read(char *destination, std::size_t size) {
     done += piece;
   }
   return done;
+}
+
+std::optional<std::uint64_t> MessageInput::CopyTo(platform::File &target, std::uint64_t length) {
+  const auto buffered = static_cast<std::size_t>(std::min<std::uint64_t>(length, end_ - begin_));
+  if (buffered > 0 && !target.Write(buffer_.get() + begin_, buffered)) return std::nullopt;
+  begin_ += buffered;
+  if (buffered == length || !file_) return buffered;
+  // The buffer is used up, so the file's own position is the input's.
+  bufferStart_ += end_;
+  begin_ = end_ = 0;
+  const std::optional<std::uint64_t> copied = platform::CopyBytes(*file_, target, length - buffered);
+  if (!copied) {
+    readFailed_ = true;
+    return std::nullopt;
+  }
+  bufferStart_ += *copied;
+  return buffered + *copied;
 }
 
 std::uint64_t MessageInput::Skip(std::uint64_t count) {

@@ -30,6 +30,10 @@ class MessageInput {
 
   // Copies up to `size` bytes; fewer only at the end of the file or after a failed read.
   std::size_t Read(char *destination, std::size_t size);
+  // Copies up to `length` bytes to `target`: what the buffer holds, then straight from file to
+  // file. Fewer only at the end of the file; nullopt when a read or a write failed, after which
+  // the input counts as failed.
+  std::optional<std::uint64_t> CopyTo(platform::File &target, std::uint64_t length);
   // Steps over up to `count` bytes; how many there were.
   std::uint64_t Skip(std::uint64_t count);
 

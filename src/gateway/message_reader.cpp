@@ -19,8 +19,6 @@ namespace {
 
 // Without a CR LF, a line ends after this many bytes and the rest is read as further lines.
 constexpr std::size_t kMaxLineBytes = 255;
-// Block data is copied in pieces of this size; the bytes written do not depend on it.
-constexpr std::size_t kCopyPiece = 256 * 1024;
 // Block data is followed by one CR LF before its end line.
 constexpr std::uint64_t kBlockDataEnd = 2;
 
@@ -150,19 +148,13 @@ bool MessageReader::CopyBlock(std::uint64_t length, std::string_view targetPath)
     writeFailed_ = true;
     return false;
   }
-  const std::size_t pieceSize = static_cast<std::size_t>(std::min<std::uint64_t>(length, kCopyPiece));
-  const std::unique_ptr<char[]> piece = std::make_unique<char[]>(std::max<std::size_t>(pieceSize, 1));
-  for (std::uint64_t left = length; left > 0;) {
-    const std::size_t want = static_cast<std::size_t>(std::min<std::uint64_t>(left, pieceSize));
-    const std::size_t got = input_.Read(piece.get(), want);
-    const bool written = got == want && target->Write(piece.get(), got);
-    if (got == want && !written) writeFailed_ = true;
-    if (!written) {
-      target.reset();  // our own lock would keep the file from being removed
-      platform::RemoveFile(targetPath);
-      return false;
-    }
-    left -= got;
+  const std::optional<std::uint64_t> copied = input_.CopyTo(*target, length);
+  // A failed read or write is the machine's fault; data running short is the message's.
+  if (!copied) writeFailed_ = true;
+  if (copied != length) {
+    target.reset();  // our own lock would keep the file from being removed
+    platform::RemoveFile(targetPath);
+    return false;
   }
   input_.Skip(kBlockDataEnd);
   return true;

@@ -17,9 +17,6 @@ namespace tqv {
 namespace {
 
 constexpr std::string_view kLineEnd = "\r\n";
-// File contents are copied in pieces of this size; the bytes written do not depend on it.
-constexpr std::size_t kCopyPiece = 256 * 1024;
-
 constexpr std::string_view kFileNamePrefix = "SGW";
 constexpr std::string_view kFileNameExtension = ".TMP";
 constexpr std::string_view kMessageClass = "IPM.NOTE";
@@ -160,18 +157,8 @@ void MessageWriter::Put(std::string_view bytes) {
 }
 
 void MessageWriter::WriteFileContents(platform::File &source, std::uint64_t size) {
-  const std::size_t pieceSize = static_cast<std::size_t>(std::min<std::uint64_t>(size, kCopyPiece));
-  const std::unique_ptr<char[]> piece = std::make_unique<char[]>(pieceSize);
-  for (std::uint64_t left = size; left > 0;) {
-    const std::optional<std::size_t> got =
-        source.Read(piece.get(), static_cast<std::size_t>(std::min<std::uint64_t>(left, pieceSize)));
-    if (!got || *got == 0) {
-      damaged_ = true;  // the block's length promised more bytes
-      return;
-    }
-    Put(std::string_view(piece.get(), *got));
-    left -= *got;
-  }
+  // The block's length promised `size` bytes: a short or failed copy damages the message.
+  if (platform::CopyBytes(source, *file_, size) != size) damaged_ = true;
 }
 
 bool MessageWriter::AddBody(std::string_view text, std::optional<std::string_view> filePath) {

@@ -10,6 +10,8 @@
 
 namespace tqv::platform {
 
+class File;
+
 struct EntryInfo {
   std::string name;  // the last component, as stored on disk
   bool isDirectory = false;
@@ -30,6 +32,12 @@ std::vector<EntryInfo> FindEntries(std::string_view pattern);
 // Copies a file. With failIfExists an existing target is left alone and the copy fails.
 // A failed copy never leaves a partial file under the target name.
 bool CopyFileTo(std::string_view source, std::string_view target, bool failIfExists);
+
+// Copies up to `length` bytes from the position of `from` to the position of `to`, moving both on:
+// the kernel's copy where the system has one, so large documents need not pass through the
+// process. Fewer bytes only when `from` ends first; nullopt when a read or a write failed (what was
+// copied before stays written).
+std::optional<std::uint64_t> CopyBytes(File &from, File &to, std::uint64_t length);
 
 // Deletes a file (never a directory).
 bool RemoveFile(std::string_view path);

@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cstdint>
 #include <cstring>
 
 #include <strings.h>
@@ -50,36 +51,48 @@ bool HeldByAnother(const std::string &nativePath) {
   return held;
 }
 
-bool CopyContents(File &from, int to) {
+bool WriteAll(int target, const char *bytes, std::size_t size) {
+  while (size > 0) {
+    const ssize_t written = ::write(target, bytes, size);
+    if (written < 0 && errno == EINTR) continue;
+    if (written <= 0) return false;
+    bytes += written;
+    size -= static_cast<std::size_t>(written);
+  }
+  return true;
+}
+
+// Up to `length` bytes from the position of `from` to the position of `target`; fewer only at the
+// end of `from`, nullopt on a failed read or write.
+std::optional<std::uint64_t> CopyRange(File &from, int target, std::uint64_t length) {
+  const int source = static_cast<int>(from.NativeHandle());
+  std::uint64_t done = 0;
   // The kernel copies without passing the bytes through this process, as cp does; file systems
   // that cannot (or a kernel without the call) take the loop below.
-  const int source = static_cast<int>(from.NativeHandle());
-  for (;;) {
+  while (done < length) {
     // Each piece counts as a read, so injected faults hit this path as they hit the loop below.
-    if (FileOperationMustFail()) return false;
-    const ssize_t copied = ::copy_file_range(source, nullptr, to, nullptr, std::size_t{1} << 30, 0);
-    if (copied == 0) return true;
-    if (copied < 0) {
-      if (errno == EINTR) continue;
-      if (errno != ENOSYS && errno != EXDEV && errno != EINVAL && errno != EOPNOTSUPP) return false;
-      break;
+    if (FileOperationMustFail()) return std::nullopt;
+    const auto piece = static_cast<std::size_t>(std::min<std::uint64_t>(length - done, std::size_t{1} << 30));
+    const ssize_t copied = ::copy_file_range(source, nullptr, target, nullptr, piece, 0);
+    if (copied == 0) return done;
+    if (copied > 0) {
+      done += static_cast<std::uint64_t>(copied);
+      continue;
     }
+    if (errno == EINTR) continue;
+    if (errno != ENOSYS && errno != EXDEV && errno != EINVAL && errno != EOPNOTSUPP) return std::nullopt;
+    break;
   }
   char buffer[65536];
-  for (;;) {
-    const std::optional<std::size_t> got = from.Read(buffer, sizeof buffer);
-    if (!got) return false;
-    if (*got == 0) return true;
-    const char *cursor = buffer;
-    std::size_t left = *got;
-    while (left > 0) {
-      const ssize_t written = ::write(to, cursor, left);
-      if (written < 0 && errno == EINTR) continue;
-      if (written <= 0) return false;
-      cursor += written;
-      left -= static_cast<std::size_t>(written);
-    }
+  while (done < length) {
+    const std::optional<std::size_t> got =
+        from.Read(buffer, static_cast<std::size_t>(std::min<std::uint64_t>(length - done, sizeof buffer)));
+    if (!got) return std::nullopt;
+    if (*got == 0) break;
+    if (!WriteAll(target, buffer, *got)) return std::nullopt;
+    done += *got;
   }
+  return done;
 }
 
 }  // namespace
@@ -120,6 +133,10 @@ std::vector<EntryInfo> FindEntries(std::string_view pattern) {
   return entries;
 }
 
+std::optional<std::uint64_t> CopyBytes(File &from, File &to, std::uint64_t length) {
+  return CopyRange(from, static_cast<int>(to.NativeHandle()), length);
+}
+
 bool CopyFileTo(std::string_view source, std::string_view target, bool failIfExists) {
   if (FileOperationMustFail()) return false;
   const std::string nativeTarget = ToNativePath(target);
@@ -135,7 +152,7 @@ bool CopyFileTo(std::string_view source, std::string_view target, bool failIfExi
   const std::string temporary = TemporaryNameBeside(nativeTarget, "copy");
   const int out = ::open(temporary.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
   if (out < 0) return false;
-  bool ok = CopyContents(*input, out);
+  bool ok = CopyRange(*input, out, UINT64_MAX).has_value();
   ok = ::close(out) == 0 && ok;
   if (ok) {
     if (failIfExists) {

@@ -5,8 +5,11 @@
 #include <string.h>
 
 #include <algorithm>
+#include <cstdint>
+#include <memory>
 
 #include "platform/fault_injection.h"
+#include "platform/file.h"
 #include "platform/file_system.h"
 #include "platform/wildcard_match.h"
 
@@ -85,6 +88,22 @@ bool CopyFileTo(std::string_view source, std::string_view target, bool failIfExi
   const std::string from(source);
   const std::string to(target);
   return ::CopyFileA(from.c_str(), to.c_str(), failIfExists ? TRUE : FALSE) != 0;
+}
+
+std::optional<std::uint64_t> CopyBytes(File &from, File &to, std::uint64_t length) {
+  // Windows has no copy between open handles; large pieces keep the calls few.
+  constexpr std::size_t kPiece = 1 << 20;
+  const auto buffer = std::make_unique<char[]>(kPiece);
+  std::uint64_t done = 0;
+  while (done < length) {
+    const std::optional<std::size_t> got =
+        from.Read(buffer.get(), static_cast<std::size_t>(std::min<std::uint64_t>(length - done, kPiece)));
+    if (!got) return std::nullopt;
+    if (*got == 0) break;
+    if (!to.Write(buffer.get(), *got)) return std::nullopt;
+    done += *got;
+  }
+  return done;
 }
 
 bool RemoveFile(std::string_view path) {
