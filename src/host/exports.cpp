@@ -8,12 +8,15 @@
 #include "diag/log_message.h"
 #include "host/entry_points.h"
 #include "platform/event_log.h"
+#include "platform/profile.h"
 
 namespace {
 
 template <typename Call>
 int Guarded(const char *name, int failure, Call call) noexcept {
   try {
+    // A call looks at each settings file once, however many values it reads.
+    const tqv::platform::ProfileCallScope settingsAsAtTheCall;
     return call();
   } catch (const std::exception &error) {
     tqv::LogMessage(nullptr, tqv::kServiceEventSource, tqv::platform::kEventError, "%s failed: %s", name,

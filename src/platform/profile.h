@@ -36,4 +36,17 @@ std::int32_t ProfileReadInt(std::string_view section, std::string_view key, std:
 bool ProfileWriteString(std::string_view section, std::optional<std::string_view> key,
                         std::optional<std::string_view> value, std::string_view file);
 
+// While one is alive, a file already read during it is taken to be as it was then, with this
+// process's own writes applied: the library holds one for each call of an entry point, so a call
+// looks at each settings file once instead of once per value, and sees a file changed by another
+// process from its next call on. Scopes nest. Where the system keeps the files (Windows), it does
+// nothing.
+class ProfileCallScope {
+ public:
+  ProfileCallScope();
+  ~ProfileCallScope();
+  ProfileCallScope(const ProfileCallScope &) = delete;
+  ProfileCallScope &operator=(const ProfileCallScope &) = delete;
+};
+
 }  // namespace tqv::platform

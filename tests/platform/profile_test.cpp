@@ -183,6 +183,28 @@ TEST_F(Profile, RepeatedReadsTouchNoFileButChangesAreSeen) {
   EXPECT_EQ(ReadString("s", "k", path), "rep");
 }
 
+TEST_F(Profile, ACallScopeSeesEachFileAsFirstReadWithItsOwnWrites) {
+  TQV_SKIP_ON_WIN32("the system keeps its own profile cache");
+  const std::string path = PathOf("scoped.ini");
+  const std::string missing = PathOf("missing.ini");
+  WriteFile(path, "[s]\nk=old\n");
+  {
+    const ProfileCallScope outer;
+    EXPECT_EQ(ReadString("s", "k", path), "old");
+    EXPECT_EQ(ReadString("s", "k", missing), "");
+    const ProfileCallScope inner;
+    WriteFile(path, "[s]\nk=changed elsewhere\n");
+    WriteFile(missing, "[s]\nk=made elsewhere\n");
+    EXPECT_EQ(ReadString("s", "k", path), "old");
+    EXPECT_EQ(ReadString("s", "k", missing), "");
+    // A write of our own starts from the file as it is and is seen at once.
+    ASSERT_TRUE(ProfileWriteString("s", "mine", "1", missing));
+    EXPECT_EQ(ReadString("s", "k", missing), "made elsewhere");
+    EXPECT_EQ(ReadString("s", "mine", missing), "1");
+  }
+  EXPECT_EQ(ReadString("s", "k", path), "changed elsewhere");
+}
+
 TEST_F(RegionalSettings, ReadsIntlOfWinIni) {
   TQV_SKIP_ON_WIN32("Windows reads the registry");
   EXPECT_EQ(ReadRegionalSetting("sShortDate"), std::nullopt) << "no WIN.INI";

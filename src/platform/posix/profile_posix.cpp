@@ -42,6 +42,9 @@ struct CachedProfile {
 struct ProfileCache {
   std::mutex mutex;
   std::unordered_map<std::string, CachedProfile> entries;  // by native path
+  // Within a call scope: the files already looked at, and whether each was there.
+  int scopeDepth = 0;
+  std::unordered_map<std::string, bool> lookedAt;
 };
 
 ProfileCache &Cache() {
@@ -89,23 +92,37 @@ std::shared_ptr<const IniDocument> LoadProfile(std::string_view file) {
   const std::string nativePath = ToNativePath(windowsPath);
   ProfileCache &cache = Cache();
   const std::lock_guard lock(cache.mutex);
+  if (cache.scopeDepth > 0) {
+    if (const auto seen = cache.lookedAt.find(nativePath); seen != cache.lookedAt.end()) {
+      if (!seen->second) return EmptyDocument();
+      if (const auto found = cache.entries.find(nativePath); found != cache.entries.end())
+        return found->second.document;
+    }
+  }
+  const auto note = [&](bool present) {
+    if (cache.scopeDepth > 0) cache.lookedAt[nativePath] = present;
+  };
   // Stamped before reading: a change during the read then shows as a changed stamp next time.
   const std::optional<FileStamp> stamp = StampOf(nativePath);
   if (!stamp) {
     cache.entries.erase(nativePath);
+    note(false);
     return EmptyDocument();
   }
   if (const auto found = cache.entries.find(nativePath);
       found != cache.entries.end() && found->second.stamp == *stamp) {
+    note(true);
     return found->second.document;
   }
   const std::optional<std::string> bytes = ReadWholeFile(windowsPath);
   if (!bytes) {
     cache.entries.erase(nativePath);
+    note(false);
     return EmptyDocument();
   }
   auto document = std::make_shared<const IniDocument>(*bytes);
   Remember(cache, nativePath, *stamp, document);
+  note(true);
   return document;
 }
 
@@ -237,10 +254,24 @@ bool ProfileWriteString(std::string_view section, std::optional<std::string_view
   if (!ReplaceFile(windowsPath, nativePath, document->Serialize(), mode, writtenStamp)) return false;
   if (writtenStamp) {
     Remember(cache, nativePath, *writtenStamp, std::move(document));
+    if (cache.scopeDepth > 0) cache.lookedAt[nativePath] = true;
   } else {
     cache.entries.erase(nativePath);
+    cache.lookedAt.erase(nativePath);
   }
   return true;
+}
+
+ProfileCallScope::ProfileCallScope() {
+  ProfileCache &cache = Cache();
+  const std::lock_guard lock(cache.mutex);
+  ++cache.scopeDepth;
+}
+
+ProfileCallScope::~ProfileCallScope() {
+  ProfileCache &cache = Cache();
+  const std::lock_guard lock(cache.mutex);
+  if (--cache.scopeDepth == 0) cache.lookedAt.clear();
 }
 
 }  // namespace tqv::platform

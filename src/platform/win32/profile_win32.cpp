@@ -105,4 +105,8 @@ bool ProfileWriteString(std::string_view section, std::optional<std::string_view
          0;
 }
 
+// Windows reads its profile files itself and keeps what it needs.
+ProfileCallScope::ProfileCallScope() = default;
+ProfileCallScope::~ProfileCallScope() = default;
+
 }  // namespace tqv::platform
