@@ -17,6 +17,8 @@ namespace tqv {
 namespace {
 
 constexpr std::string_view kLineEnd = "\r\n";
+// Lines are gathered up to this many bytes before they are written.
+constexpr std::size_t kFlushSize = 64 * 1024;
 constexpr std::string_view kFileNamePrefix = "SGW";
 constexpr std::string_view kFileNameExtension = ".TMP";
 constexpr std::string_view kMessageClass = "IPM.NOTE";
@@ -152,11 +154,22 @@ void MessageWriter::WriteHeadersOnce() {
   Put(lines);
 }
 
+MessageWriter::~MessageWriter() {
+  if (file_) Flush();
+}
+
 void MessageWriter::Put(std::string_view bytes) {
-  if (!file_->Write(bytes)) damaged_ = true;
+  pending_ += bytes;
+  if (pending_.size() >= kFlushSize) Flush();
+}
+
+void MessageWriter::Flush() {
+  if (!pending_.empty() && !file_->Write(pending_)) damaged_ = true;
+  pending_.clear();
 }
 
 void MessageWriter::WriteFileContents(platform::File &source, std::uint64_t size) {
+  Flush();
   // The block's length promised `size` bytes: a short or failed copy damages the message.
   if (platform::CopyBytes(source, *file_, size) != size) damaged_ = true;
 }
@@ -214,6 +227,7 @@ bool MessageWriter::Close() {
   WriteHeadersOnce();
   recipients_.clear();
   if (!file_) return false;
+  Flush();
   file_.reset();
   // The gateway would mail half a message as if it were whole; none at all is the lesser harm.
   if (damaged_) {

@@ -30,6 +30,7 @@ bool IsAttachable(std::string_view path);
 class MessageWriter {
  public:
   MessageWriter() = default;
+  ~MessageWriter();
   MessageWriter(const MessageWriter &) = delete;
   MessageWriter &operator=(const MessageWriter &) = delete;
 
@@ -75,6 +76,7 @@ class MessageWriter {
   void WriteBlockStart(HeaderKeyword keyword, std::string_view value);
   void WriteFileContents(platform::File &source, std::uint64_t size);
   void Put(std::string_view bytes);
+  void Flush();
 
   std::vector<std::string> recipients_;
   std::string sender_;
@@ -88,6 +90,8 @@ class MessageWriter {
   std::int32_t deliveryTime_ = 0;
   std::string fileType_;
   std::optional<platform::File> file_;
+  // Lines put but not yet written: a message goes out in a few writes, not one per line.
+  std::string pending_;
   std::string path_;
   bool headersWritten_ = false;
   bool damaged_ = false;  // some bytes of the message never reached the file
