@@ -1,6 +1,7 @@
 // The profile functions of the POSIX backend: INI files parsed once and cached until they change
 // on disk. A missing or unreadable file reads as empty; a write goes to a temporary file renamed
 // over the target, so a failed write returns false and leaves the file as it was.
+#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -9,6 +10,7 @@
 #include <mutex>
 #include <unordered_map>
 
+#include "platform/fault_injection.h"
 #include "platform/file.h"
 #include "platform/ini_document.h"
 #include "platform/platform_state_internal.h"
@@ -37,6 +39,7 @@ struct FileStamp {
 struct CachedProfile {
   FileStamp stamp;
   std::shared_ptr<const IniDocument> document;
+  std::string bytes;  // the file as read or written, which a write starts from
 };
 
 struct ProfileCache {
@@ -80,10 +83,10 @@ std::optional<std::string> ReadWholeFile(std::string_view windowsPath) {
 }
 
 void Remember(ProfileCache &cache, const std::string &nativePath, const FileStamp &stamp,
-              std::shared_ptr<const IniDocument> document) {
+              std::shared_ptr<const IniDocument> document, std::string bytes) {
   if (cache.entries.size() >= kMaxCachedProfiles && !cache.entries.contains(nativePath))
     cache.entries.clear();
-  cache.entries[nativePath] = CachedProfile{stamp, std::move(document)};
+  cache.entries[nativePath] = CachedProfile{stamp, std::move(document), std::move(bytes)};
 }
 
 // The parsed file: one stat when the cached parse is still current.
@@ -121,7 +124,7 @@ std::shared_ptr<const IniDocument> LoadProfile(std::string_view file) {
     return EmptyDocument();
   }
   auto document = std::make_shared<const IniDocument>(*bytes);
-  Remember(cache, nativePath, *stamp, document);
+  Remember(cache, nativePath, *stamp, document, std::move(*bytes));
   note(true);
   return document;
 }
@@ -160,15 +163,23 @@ bool ReplaceFile(const std::string &windowsPath, const std::string &nativePath, 
   const std::string temporaryWindows =
       windowsPath + ".tqvini." + std::to_string(::getpid()) + "." + std::to_string(counter++);
   const std::string temporaryNative = ToNativePath(temporaryWindows);
-  {
-    std::optional<File> temporary =
-        File::Open(temporaryWindows, FileAccess::Write, FileSharing::None, FileCreation::CreateNew);
-    if (!temporary) return false;
-    if (!temporary->Write(bytes)) {
-      temporary.reset();
-      ::unlink(temporaryNative.c_str());
-      return false;
-    }
+  // The name is this process's own, so no reader can meet the file before it is renamed in:
+  // it needs none of the locking a shared name does. Creating and writing still count as one
+  // file operation each, as they would through File.
+  if (FileOperationMustFail()) return false;
+  const int temporary = ::open(temporaryNative.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+  if (temporary < 0) return false;
+  bool written = !FileOperationMustFail();
+  for (std::size_t done = 0; written && done < bytes.size();) {
+    const ssize_t count = ::write(temporary, bytes.data() + done, bytes.size() - done);
+    if (count < 0 && errno == EINTR) continue;
+    written = count > 0;
+    if (written) done += static_cast<std::size_t>(count);
+  }
+  written = ::close(temporary) == 0 && written;
+  if (!written) {
+    ::unlink(temporaryNative.c_str());
+    return false;
   }
   if (mode) ::chmod(temporaryNative.c_str(), *mode & 07777);  // a default mode is no reason to fail
   // A rename keeps the inode, so this is the target's stamp until someone else writes it.
@@ -228,15 +239,22 @@ bool ProfileWriteString(std::string_view section, std::optional<std::string_view
   ProfileCache &cache = Cache();
   const std::lock_guard lock(cache.mutex);
 
-  // Always the file as it is now, never the cached parse: another process may have written it.
+  // Always the file as it is now: another process may have written it. The cached bytes are
+  // that file while its stamp is unchanged, as for reads.
   std::string current;
   std::optional<mode_t> mode;
   struct stat info {};
   if (::stat(nativePath.c_str(), &info) == 0) {
     if (!S_ISREG(info.st_mode)) return false;
-    std::optional<std::string> bytes = ReadWholeFile(windowsPath);
-    if (!bytes) return false;
-    current = std::move(*bytes);
+    const FileStamp stamp{info.st_dev, info.st_ino, info.st_size, info.st_mtim.tv_sec, info.st_mtim.tv_nsec};
+    if (const auto found = cache.entries.find(nativePath);
+        found != cache.entries.end() && found->second.stamp == stamp) {
+      current = found->second.bytes;
+    } else {
+      std::optional<std::string> bytes = ReadWholeFile(windowsPath);
+      if (!bytes) return false;
+      current = std::move(*bytes);
+    }
     mode = info.st_mode;
   } else if (errno != ENOENT) {
     return false;
@@ -251,9 +269,10 @@ bool ProfileWriteString(std::string_view section, std::optional<std::string_view
     return false;
   }
   std::optional<FileStamp> writtenStamp;
-  if (!ReplaceFile(windowsPath, nativePath, document->Serialize(), mode, writtenStamp)) return false;
+  std::string written = document->Serialize();
+  if (!ReplaceFile(windowsPath, nativePath, written, mode, writtenStamp)) return false;
   if (writtenStamp) {
-    Remember(cache, nativePath, *writtenStamp, std::move(document));
+    Remember(cache, nativePath, *writtenStamp, std::move(document), std::move(written));
     if (cache.scopeDepth > 0) cache.lookedAt[nativePath] = true;
   } else {
     cache.entries.erase(nativePath);
