@@ -44,11 +44,13 @@ std::optional<platform::File> CreateJobFile(std::string &path) {
   return platform::File::CreateExclusive(path);
 }
 
-std::string CopyForJob(std::string_view source, std::string_view extension, std::set<std::string> &named) {
+std::string CopyForJob(std::string_view source, std::string_view extension, std::set<std::string> &named,
+                       bool lastUse) {
   std::set<std::string> &failed = FailedCopyNames();
   named.insert(failed.begin(), failed.end());
   const std::string copy = MakeUniqueName(CurrentService().pendingDirectory, extension, &named);
   named.insert(copy);
+  if (lastUse && platform::MoveFileTo(source, copy)) return copy;
   if (!platform::CopyFileTo(source, copy, true)) {
     if (failed.size() >= kFailedCopyNamesKept) failed.clear();
     failed.insert(copy);

@@ -22,8 +22,10 @@ std::optional<platform::File> CreateJobFile(std::string &path);
 // Copies `source` for one job to a new name with `extension` in the pending directory, and returns
 // the name whether the copy was made or not: the job names it either way. A copy that failed leaves
 // its name free on disk, so no name is given twice: `named` holds those of the conversion under
-// way, and the names of failed copies are kept for the conversions that follow.
-std::string CopyForJob(std::string_view source, std::string_view extension, std::set<std::string> &named);
+// way, and the names of failed copies are kept for the conversions that follow. For the last job
+// that needs a work file, `lastUse` moves the file there instead where it can, saving a copy.
+std::string CopyForJob(std::string_view source, std::string_view extension, std::set<std::string> &named,
+                       bool lastUse = false);
 
 // Writes the record into the job file that CreateJobFile made, and closes it. When the write
 // fails, the job file and the document copies the record names are removed, so that no job lies

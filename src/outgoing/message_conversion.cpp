@@ -225,7 +225,8 @@ std::optional<std::string> ChooseTemplate(const Conversion &message, std::string
 }
 
 // Writes the job of one recipient; false when its job file cannot be created.
-bool WriteJob(Conversion &message, RecipientEntry &recipient) {
+// The work files go to the last job itself (`lastJob`), not to a copy.
+bool WriteJob(Conversion &message, RecipientEntry &recipient, bool lastJob) {
   std::string jobPath;
   auto jobFile = CreateJobFile(jobPath);
   if (!jobFile) return false;
@@ -256,7 +257,7 @@ bool WriteJob(Conversion &message, RecipientEntry &recipient) {
   job.SetText(job::TemplateFile, message.templatePath);
 
   if (FileExists(message.messageTextPath)) {
-    job.SetText(job::MessageTextFile, CopyForJob(message.messageTextPath, "txt", message.copies));
+    job.SetText(job::MessageTextFile, CopyForJob(message.messageTextPath, "txt", message.copies, lastJob));
   }
 
   LookupAddressBook(message.sender, job, job::SenderParty, senderName, "", "");
@@ -271,7 +272,11 @@ bool WriteJob(Conversion &message, RecipientEntry &recipient) {
   int fileCount = 0;
   for (const std::string &document : message.attachments) {
     if (fileCount >= kMaxJobFiles) break;
-    job.SetText(job::File(fileCount++), CopyForJob(document, SafeExtensionOf(document), message.copies));
+    // A document listed twice is still needed after its first entry.
+    const bool lastUse =
+        lastJob && std::count(message.attachments.begin(), message.attachments.end(), document) == 1;
+    job.SetText(job::File(fileCount++),
+                CopyForJob(document, SafeExtensionOf(document), message.copies, lastUse));
   }
   job.SetNumber(job::FileCount, fileCount);
   job.SetRaw(kCustomStringBytesField, message.customString);
@@ -330,7 +335,7 @@ void MakeJobs(Conversion &message, const ServiceState &service) {
 
   std::size_t written = 0;
   for (RecipientEntry &recipient : message.recipients) {
-    if (!WriteJob(message, recipient)) {
+    if (!WriteJob(message, recipient, &recipient == &message.recipients.back())) {
       // The message is deleted after its pass whatever happened; an operator has to know who
       // lost which recipients when the pending directory refuses new files.
       LogMessage(nullptr, kServiceEventSource, platform::kEventError,

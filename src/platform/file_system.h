@@ -33,6 +33,10 @@ std::vector<EntryInfo> FindEntries(std::string_view pattern);
 // A failed copy never leaves a partial file under the target name.
 bool CopyFileTo(std::string_view source, std::string_view target, bool failIfExists);
 
+// Gives a file a new name on the same volume, as MoveFile does: fails when the target exists, the
+// source is held by another handle, or the two lie on different volumes (the caller then copies).
+bool MoveFileTo(std::string_view source, std::string_view target);
+
 // Copies up to `length` bytes from the position of `from` to the position of `to`, moving both on:
 // the kernel's copy where the system has one, so large documents need not pass through the
 // process. Fewer bytes only when `from` ends first; nullopt when a read or a write failed (what was

@@ -76,5 +76,39 @@ TEST_F(FileSystemTest, CopyHonoursFailIfExistsAndHeldFilesAndNeverLeavesHalfAFil
   EXPECT_FALSE(RemoveFile(Dir())) << "a directory is never removed as a file";
 }
 
+TEST_F(FileSystemTest, MoveNeverReplacesAndLeavesHeldFilesAlone) {
+  const std::string source = PathOf("work.pdf");
+  const std::string target = PathOf("job.pdf");
+  WriteFile(source, "document");
+  WriteFile(target, "taken");
+  EXPECT_FALSE(MoveFileTo(source, target));
+  EXPECT_EQ(ReadFile(target), "taken");
+  EXPECT_EQ(ReadFile(source), "document");
+
+  std::optional<File> holder = File::OpenExclusive(source);
+  ASSERT_TRUE(holder);
+  EXPECT_FALSE(MoveFileTo(source, PathOf("other.pdf")));
+  holder.reset();
+  EXPECT_TRUE(MoveFileTo(source, PathOf("other.pdf")));
+  EXPECT_FALSE(Exists(source));
+  EXPECT_EQ(ReadFile(PathOf("other.pdf")), "document");
+  EXPECT_FALSE(MoveFileTo(source, PathOf("again.pdf"))) << "the source is gone";
+}
+
+TEST_F(FileSystemTest, ByteCopyRunsFromPositionToPositionAndStopsAtTheEnd) {
+  const std::string bytes(300000, 'a');
+  WriteFile(PathOf("from.bin"), "head" + bytes + "tail");
+  std::optional<File> from = File::OpenExclusive(PathOf("from.bin"));
+  std::optional<File> to = File::CreateExclusive(PathOf("to.bin"));
+  ASSERT_TRUE(from && to);
+  ASSERT_TRUE(from->Seek(4, SeekOrigin::Begin));
+  ASSERT_TRUE(to->Write("<"));
+  EXPECT_EQ(CopyBytes(*from, *to, bytes.size()), bytes.size());
+  ASSERT_TRUE(to->Write(">"));
+  EXPECT_EQ(CopyBytes(*from, *to, 100), 4u) << "only the tail was left";
+  to.reset();
+  EXPECT_EQ(ReadFile(PathOf("to.bin")), "<" + bytes + ">tail");
+}
+
 }  // namespace
 }  // namespace tqv::platform

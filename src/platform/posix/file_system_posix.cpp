@@ -166,6 +166,19 @@ bool CopyFileTo(std::string_view source, std::string_view target, bool failIfExi
   return ok;
 }
 
+bool MoveFileTo(std::string_view source, std::string_view target) {
+  if (FileOperationMustFail()) return false;
+  const std::string from = ToNativePath(source);
+  const std::string to = ToNativePath(target);
+  struct stat info {};
+  if (from.empty() || to.empty() || ::lstat(from.c_str(), &info) != 0 || S_ISDIR(info.st_mode)) return false;
+  if (HeldByAnother(from)) return false;
+  // link() refuses an existing target, which rename() would replace.
+  if (::link(from.c_str(), to.c_str()) != 0) return false;
+  ::unlink(from.c_str());
+  return true;
+}
+
 bool RemoveFile(std::string_view path) {
   if (FileOperationMustFail()) return false;
   const std::string nativePath = ToNativePath(path);

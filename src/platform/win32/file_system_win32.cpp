@@ -106,6 +106,14 @@ std::optional<std::uint64_t> CopyBytes(File &from, File &to, std::uint64_t lengt
   return done;
 }
 
+bool MoveFileTo(std::string_view source, std::string_view target) {
+  if (FileOperationMustFail()) return false;
+  if (Unusable(source) || Unusable(target)) return false;
+  const std::string from(source);
+  const std::string to(target);
+  return ::MoveFileA(from.c_str(), to.c_str()) != 0;
+}
+
 bool RemoveFile(std::string_view path) {
   if (FileOperationMustFail()) return false;
   if (Unusable(path)) return false;
