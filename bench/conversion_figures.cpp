@@ -159,8 +159,8 @@ Round LargeDocument(const RoundContext &context) {
         "the received fax was not mailed whole to its one recipient");
   Check(ReadBytes(mailed[0]).find(document) != std::string::npos, "the mailed fax is not the received image");
 
-  // The same bytes moved with the platform's copy, each copy from a file of its own as the
-  // library's are: the message extracted, the extract copied into the job, the fax mailed.
+  // The same bytes moved with the platform's copy, each from a file of its own as the library's
+  // are: the message's document into a file of its own (reading), the fax into a message (writing).
   const fs::path copies = sandbox.Scratch("copies");
   WriteBytes(copies / "message", MessageBytes(load, document));
   WriteBytes(copies / "fax", document);
@@ -181,7 +181,7 @@ std::vector<Figure> ConversionFigures() {
       {"P2", "one message, 15 attachments: 1024 recipients against 128", "the same to 128 recipients", 9,
        ScaleRecipients},
       {"P6", "a 20 MB attachment read from a message, a 20 MB fax mailed back",
-       "platform copy of the same bytes (3 copies)", 1.2, LargeDocument},
+       "platform copy of the same bytes (message to document, fax to message)", 1.2, LargeDocument},
   };
 }
 
