@@ -68,7 +68,11 @@ class File {
   std::intptr_t NativeHandle() const { return handle_; }
 
  private:
+  // -1: no descriptor on POSIX, INVALID_HANDLE_VALUE on Windows.
+  static constexpr std::intptr_t kNoHandle = -1;
+
   explicit File(std::intptr_t handle) : handle_(handle) {}
+  // The backend's own: closing the handle releases what the open took.
   void Close() noexcept;
 
   std::intptr_t handle_;

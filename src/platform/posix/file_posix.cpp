@@ -16,8 +16,6 @@ namespace tqv::platform {
 
 namespace {
 
-constexpr std::intptr_t kNoHandle = -1;
-
 int Descriptor(std::intptr_t handle) {
   return static_cast<int>(handle);
 }
@@ -122,29 +120,6 @@ std::optional<File> File::Open(std::string_view path, FileAccess access, FileSha
     return inPlace;
   }
   return std::nullopt;
-}
-
-std::optional<File> File::OpenForAppend(std::string_view path) {
-  std::optional<File> file = Open(path, FileAccess::Write, FileSharing::ReadWrite, FileCreation::OpenAlways);
-  if (file && !file->Seek(0, SeekOrigin::End)) return std::nullopt;
-  return file;
-}
-
-File::File(File &&other) noexcept : handle_(other.handle_) {
-  other.handle_ = kNoHandle;
-}
-
-File &File::operator=(File &&other) noexcept {
-  if (this != &other) {
-    Close();
-    handle_ = other.handle_;
-    other.handle_ = kNoHandle;
-  }
-  return *this;
-}
-
-File::~File() {
-  Close();
 }
 
 void File::Close() noexcept {

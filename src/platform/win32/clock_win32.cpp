@@ -1,36 +1,15 @@
-// The clocks of the Win32 backend: GetTickCount and the C runtime's wall clock, each replaceable
-// by a test.
+// The system clocks of the Win32 backend: GetTickCount and the C runtime's local time.
 #include <windows.h>
 
 #include <ctime>
 
 #include "platform/clock.h"
-#include "platform/platform_state_internal.h"
+#include "platform/system_primitives.h"
 
 namespace tqv::platform {
 
-namespace {
-
-struct ClockSources {
-  std::function<std::uint32_t()> tickCount;
-  std::function<std::int64_t()> currentTime;
-};
-
-ClockSources &Sources() {
-  static ClockSources sources;
-  return sources;
-}
-
-}  // namespace
-
-std::uint32_t TickCount() {
-  if (Sources().tickCount) return Sources().tickCount();
+std::uint32_t SystemTickCount() {
   return static_cast<std::uint32_t>(::GetTickCount());
-}
-
-std::int64_t CurrentTime() {
-  if (Sources().currentTime) return Sources().currentTime();
-  return static_cast<std::int64_t>(std::time(nullptr));
 }
 
 std::tm LocalTime(std::int64_t time) {
@@ -38,18 +17,6 @@ std::tm LocalTime(std::int64_t time) {
   std::tm result{};
   ::localtime_s(&result, &value);
   return result;
-}
-
-void SetTickCountSource(std::function<std::uint32_t()> source) {
-  Sources().tickCount = std::move(source);
-}
-
-void SetCurrentTimeSource(std::function<std::int64_t()> source) {
-  Sources().currentTime = std::move(source);
-}
-
-void ResetClockSources() {
-  Sources() = ClockSources{};
 }
 
 }  // namespace tqv::platform

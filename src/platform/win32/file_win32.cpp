@@ -12,8 +12,6 @@ namespace tqv::platform {
 
 namespace {
 
-const std::intptr_t kNoHandle = reinterpret_cast<std::intptr_t>(INVALID_HANDLE_VALUE);
-
 HANDLE Native(std::intptr_t handle) {
   return reinterpret_cast<HANDLE>(handle);
 }
@@ -56,29 +54,6 @@ std::optional<File> File::Open(std::string_view path, FileAccess access, FileSha
                                 FILE_ATTRIBUTE_NORMAL, nullptr);
   if (handle == INVALID_HANDLE_VALUE) return std::nullopt;
   return File(reinterpret_cast<std::intptr_t>(handle));
-}
-
-std::optional<File> File::OpenForAppend(std::string_view path) {
-  std::optional<File> file = Open(path, FileAccess::Write, FileSharing::ReadWrite, FileCreation::OpenAlways);
-  if (file && !file->Seek(0, SeekOrigin::End)) return std::nullopt;
-  return file;
-}
-
-File::File(File &&other) noexcept : handle_(other.handle_) {
-  other.handle_ = kNoHandle;
-}
-
-File &File::operator=(File &&other) noexcept {
-  if (this != &other) {
-    Close();
-    handle_ = other.handle_;
-    other.handle_ = kNoHandle;
-  }
-  return *this;
-}
-
-File::~File() {
-  Close();
 }
 
 void File::Close() noexcept {
