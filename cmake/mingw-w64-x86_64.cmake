@@ -1,21 +1,3 @@
-# Cross build for Windows with Debian's mingw-w64 (x86_64). The runtime is linked statically, so
-# the DLL and the programs need no DLLs beyond the system's own.
-set(CMAKE_SYSTEM_NAME Windows)
+# Cross build for Windows with Debian's mingw-w64, x86_64.
 set(CMAKE_SYSTEM_PROCESSOR x86_64)
-
-set(TQV_MINGW_TRIPLET x86_64-w64-mingw32)
-# The posix thread model: the standard library's threads and mutexes need it with GCC 12.
-set(CMAKE_C_COMPILER ${TQV_MINGW_TRIPLET}-gcc-posix)
-set(CMAKE_CXX_COMPILER ${TQV_MINGW_TRIPLET}-g++-posix)
-set(CMAKE_RC_COMPILER ${TQV_MINGW_TRIPLET}-windres)
-
-set(CMAKE_FIND_ROOT_PATH /usr/${TQV_MINGW_TRIPLET})
-set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
-set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
-set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)
-# Header-only packages (CLI11) come from the build machine; GoogleTest is built from source.
-set(CMAKE_FIND_ROOT_PATH_MODE_PACKAGE BOTH)
-
-set(CMAKE_EXE_LINKER_FLAGS_INIT "-static -static-libgcc -static-libstdc++")
-set(CMAKE_SHARED_LINKER_FLAGS_INIT "-static -static-libgcc -static-libstdc++")
-set(CMAKE_MODULE_LINKER_FLAGS_INIT "-static -static-libgcc -static-libstdc++")
+include(${CMAKE_CURRENT_LIST_DIR}/mingw-w64.cmake)
