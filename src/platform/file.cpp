@@ -1,5 +1,8 @@
-// The half of File that is the same on every backend: ownership of the handle and appending.
+// The half of File that is the same on every backend: ownership of the handle, appending and
+// reading whole.
 #include "platform/file.h"
+
+#include <algorithm>
 
 namespace tqv::platform {
 
@@ -7,6 +10,19 @@ std::optional<File> File::OpenForAppend(std::string_view path) {
   std::optional<File> file = Open(path, FileAccess::Write, FileSharing::ReadWrite, FileCreation::OpenAlways);
   if (file && !file->Seek(0, SeekOrigin::End)) return std::nullopt;
   return file;
+}
+
+std::optional<std::string> File::ReadAll(std::size_t limit) {
+  std::string result;
+  char chunk[65536];
+  while (result.size() < limit) {
+    const std::size_t want = std::min(sizeof chunk, limit - result.size());
+    std::optional<std::size_t> got = Read(chunk, want);
+    if (!got) return std::nullopt;
+    if (*got == 0) break;
+    result.append(chunk, *got);
+  }
+  return result;
 }
 
 File::File(File &&other) noexcept : handle_(other.handle_) {

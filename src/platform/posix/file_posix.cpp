@@ -139,19 +139,6 @@ std::optional<std::size_t> File::Read(void *buffer, std::size_t size) {
   return static_cast<std::size_t>(got);
 }
 
-std::optional<std::string> File::ReadAll(std::size_t limit) {
-  std::string result;
-  char chunk[65536];
-  while (result.size() < limit) {
-    const std::size_t want = std::min(sizeof chunk, limit - result.size());
-    std::optional<std::size_t> got = Read(chunk, want);
-    if (!got) return std::nullopt;
-    if (*got == 0) break;
-    result.append(chunk, *got);
-  }
-  return result;
-}
-
 bool File::Write(const void *data, std::size_t size) {
   if (FileOperationMustFail()) return false;
   const char *bytes = static_cast<const char *>(data);
