@@ -60,6 +60,11 @@ int main(int argc, char **argv) {
       ->check(CLI::ExistingDirectory);
   CLI11_PARSE(app, argc, argv);
 
+  if (library.empty() || !fs::is_regular_file(library)) {
+    std::fprintf(stderr, "tqvbench: no library at '%s' (build it, or name it with --library)\n",
+                 library.c_str());
+    return 2;
+  }
   std::vector<Figure> figures = AllFigures();
   const std::set<std::string> wanted(only.begin(), only.end());
   for (const std::string &id : wanted) {
