@@ -9,6 +9,7 @@
 #include "config/settings_files.h"
 #include "config/user_list.h"
 #include "config/user_properties.h"
+#include "diag/file_notices.h"
 #include "host/entry_points.h"
 #include "outgoing/pending_queue.h"
 #include "platform/platform_state.h"
@@ -40,6 +41,7 @@ void ResetLibraryStateForTesting() {
   ResetPendingQueueForTesting();
   ResetScanLoopForTesting();
   ResetUniqueNamesForTesting();
+  ResetFileNoticesForTesting();
 }
 
 }  // namespace tqv::host

@@ -15,6 +15,9 @@ class File;
 struct EntryInfo {
   std::string name;  // the last component, as stored on disk
   bool isDirectory = false;
+  // A plain file, not reached through a link: links, FIFOs, devices and sockets are listed but
+  // false here, and input passes skip them without opening them.
+  bool isRegularFile = false;
   std::uint64_t size = 0;
   std::int64_t modifiedTime = 0;  // seconds since 1970
 };

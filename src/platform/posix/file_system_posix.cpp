@@ -102,7 +102,10 @@ std::optional<EntryInfo> GetEntryInfo(std::string_view path) {
   const std::string nativePath = ToNativePath(path);
   struct stat info {};
   if (nativePath.empty() || ::stat(nativePath.c_str(), &info) != 0) return std::nullopt;
-  return InfoFromStat(std::string(LastComponent(path)), info);
+  EntryInfo entry = InfoFromStat(std::string(LastComponent(path)), info);
+  struct stat itself {};
+  entry.isRegularFile = ::lstat(nativePath.c_str(), &itself) == 0 && S_ISREG(itself.st_mode);
+  return entry;
 }
 
 std::vector<EntryInfo> FindEntries(std::string_view pattern) {
@@ -124,6 +127,9 @@ std::vector<EntryInfo> FindEntries(std::string_view pattern) {
     struct stat info {};
     if (::fstatat(directoryFd, found->d_name, &info, 0) != 0) continue;  // vanished or a broken link
     entries.push_back(InfoFromStat(found->d_name, info));
+    struct stat itself {};
+    entries.back().isRegularFile =
+        ::fstatat(directoryFd, found->d_name, &itself, AT_SYMLINK_NOFOLLOW) == 0 && S_ISREG(itself.st_mode);
   }
   ::closedir(stream);
   std::sort(entries.begin(), entries.end(), [](const EntryInfo &a, const EntryInfo &b) {

@@ -33,6 +33,7 @@ EntryInfo InfoFromFound(const WIN32_FIND_DATAA &found) {
   EntryInfo entry;
   entry.name = found.cFileName;
   entry.isDirectory = (found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
+  entry.isRegularFile = !entry.isDirectory && (found.dwFileAttributes & FILE_ATTRIBUTE_REPARSE_POINT) == 0;
   entry.size =
       entry.isDirectory ? 0 : (static_cast<std::uint64_t>(found.nFileSizeHigh) << 32) | found.nFileSizeLow;
   entry.modifiedTime = SecondsSince1970(found.ftLastWriteTime);
