@@ -5,6 +5,7 @@
 
 #include <array>
 #include <cstddef>
+#include <cstdint>
 #include <optional>
 #include <string_view>
 
@@ -115,6 +116,20 @@ inline constexpr std::array kHeaderKeywords = {
 constexpr std::string_view KeywordText(HeaderKeyword keyword) {
   return kHeaderKeywords[static_cast<std::size_t>(keyword)].text;
 }
+
+// The longest line, before its CR LF, that a reader takes whole: it hands out at most 255 bytes
+// as one line and reads a longer line's rest as a line of its own, so a value that ran past this
+// would start a line of its author's choosing.
+inline constexpr std::size_t kMaxHeaderLineChars = 253;
+
+// How many characters of value fit after the keyword on one whole line.
+constexpr std::size_t HeaderValueRoom(HeaderKeyword keyword) {
+  return kMaxHeaderLineChars - KeywordText(keyword).size();
+}
+
+// A block's length is read back as a signed 32-bit number: a longer block cannot be told apart
+// from its own data.
+inline constexpr std::uint64_t kMaxBlockBytes = 0x7FFFFFFF;
 
 // The header lines a writer puts after "X-Tnef-Attach:", before the first block.
 inline constexpr HeaderKeyword kFirstDeferredHeader = HeaderKeyword::FileType;

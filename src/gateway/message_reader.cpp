@@ -18,7 +18,7 @@ namespace tqv {
 namespace {
 
 // Without a CR LF, a line ends after this many bytes and the rest is read as further lines.
-constexpr std::size_t kMaxLineBytes = 255;
+constexpr std::size_t kMaxLineBytes = kMaxHeaderLineChars + 2;
 // Block data is followed by one CR LF before its end line.
 constexpr std::uint64_t kBlockDataEnd = 2;
 

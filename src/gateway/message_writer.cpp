@@ -24,9 +24,27 @@ constexpr std::string_view kFileNameExtension = ".TMP";
 constexpr std::string_view kMessageClass = "IPM.NOTE";
 constexpr std::string_view kNormal = "Normal";
 
+// "From:" and "TO:" repeat the lines the reader takes the sender and the recipients from, and
+// carry the same cut of their values.
+HeaderKeyword ReadFromLine(HeaderKeyword keyword) {
+  switch (keyword) {
+    case HeaderKeyword::From:
+      return HeaderKeyword::MailFrom;
+    case HeaderKeyword::To:
+      return HeaderKeyword::RcptTo;
+    default:
+      return keyword;
+  }
+}
+
+// A value on a line of its own, whoever chose it: it ends at a NUL as the C string it is on both
+// sides of the gateway, a CR or LF in it becomes a blank, and it is cut so that the line is read
+// whole. Otherwise its rest would be read as a line of the sender's choosing, a recipient say.
 std::string Line(HeaderKeyword keyword, std::string_view value) {
+  value = value.substr(0, std::min(value.find('\0'), HeaderValueRoom(ReadFromLine(keyword))));
   std::string line(KeywordText(keyword));
-  line += value;
+  for (const char c : value)
+    line += c == '\r' || c == '\n' ? ' ' : c;
   line += kLineEnd;
   return line;
 }
@@ -41,6 +59,18 @@ std::string BlockEnd(HeaderKeyword endKeyword) {
 std::string_view FileNamePart(std::string_view path) {
   const std::size_t separator = path.find_last_of("\\/");
   return separator == std::string_view::npos ? path : path.substr(separator + 1);
+}
+
+// "name:length" for an attachment line. The reader ends the name at its first colon and the
+// line at a CR LF, so neither may stand in the name, and the name gives way to the length where
+// the line would run over: a misread length would let the file's data be read as lines.
+std::string AttachmentLineValue(std::string_view name, std::uint64_t size) {
+  const std::string length = ":" + std::to_string(size);
+  const std::size_t room = HeaderValueRoom(HeaderKeyword::BeginAttach) - length.size();
+  std::string value;
+  for (const char c : name.substr(0, room))
+    value += c == ':' || c == '\r' || c == '\n' || c == '\0' ? '_' : c;
+  return value + length;
 }
 
 std::string Cut(std::string_view text) {
@@ -181,6 +211,8 @@ bool MessageWriter::AddBody(std::string_view text, std::optional<std::string_vie
   std::uint64_t fileSize = 0;
   if (filePath) source = platform::File::OpenExclusive(*filePath);
   if (source) fileSize = source->Size().value_or(0);
+  // A file the block's length cannot count goes as one that cannot be read: the text alone.
+  if (text.size() + fileSize + kLineEnd.size() > kMaxBlockBytes) fileSize = 0;
 
   // The length counts the CR LF that ends the text, unless there is no text at all.
   std::uint64_t length = text.size() + fileSize;
@@ -196,7 +228,7 @@ bool MessageWriter::AddBody(std::string_view text, std::optional<std::string_vie
 }
 
 bool MessageWriter::AddBodyBuffer(std::string_view bytes) {
-  if (!file_ || bytes.empty()) return false;
+  if (!file_ || bytes.empty() || bytes.size() + kLineEnd.size() > kMaxBlockBytes) return false;
   Put(Line(HeaderKeyword::BeginBody, std::to_string(bytes.size() + kLineEnd.size())));
   Put(bytes);
   Put(std::string(kLineEnd) + BlockEnd(HeaderKeyword::EndBody));
@@ -212,12 +244,9 @@ bool MessageWriter::AddAttachment(std::string_view filePath) {
   std::optional<platform::File> source = platform::File::OpenExclusive(path);
   if (!source) return false;
   const std::uint64_t size = source->Size().value_or(0);
-  if (size == 0) return false;
+  if (size == 0 || size > kMaxBlockBytes) return false;
 
-  std::string value(FileNamePart(path));
-  value += ':';
-  value += std::to_string(size);
-  Put(Line(HeaderKeyword::BeginAttach, value));
+  Put(Line(HeaderKeyword::BeginAttach, AttachmentLineValue(FileNamePart(path), size)));
   WriteFileContents(*source, size);
   Put(BlockEnd(HeaderKeyword::EndAttach));
   return true;

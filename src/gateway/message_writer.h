@@ -39,7 +39,9 @@ class MessageWriter {
   bool Create(GatewayDirection direction = GatewayDirection::In);
 
   // Texts keep at most kMaxName characters. Values set after the header lines have been
-  // written (by the first AddBody, AddAttachment or Close) do not reach the file.
+  // written (by the first AddBody, AddAttachment or Close) do not reach the file. Every value is
+  // written up to its first NUL, with CR and LF as blanks and cut to fit one whole line, so a
+  // reader finds exactly one value per line whatever the value held.
   void SetSender(std::string_view text);
   void SetSubject(std::string_view text);
   void SetStatusInfo(std::string_view text);
@@ -55,14 +57,16 @@ class MessageWriter {
   // Written both as "Date:" and as "FAX-DeliveryTime:".
   void SetDeliveryTime(std::int32_t value) { deliveryTime_ = value; }
 
-  // A body block of the text followed by the file's contents; a file that cannot be opened
-  // contributes nothing. False only when no message file is open.
+  // A body block of the text followed by the file's contents; a file that cannot be opened, or
+  // that would make the block longer than kMaxBlockBytes, contributes nothing. False only when no
+  // message file is open.
   bool AddBody(std::string_view text, std::optional<std::string_view> filePath = std::nullopt);
   // A body block of the bytes, written as it stands: before the header lines when they are not
   // yet written. False, writing nothing, for no bytes or no open file.
   bool AddBodyBuffer(std::string_view bytes);
-  // An attachment block holding the file, named by the last part of its path. False, writing no
-  // block, when the path is empty or the file is missing, held by another or empty.
+  // An attachment block holding the file, named by the last part of its path (a colon, CR or LF
+  // in it written as "_", the name cut to fit the line). False, writing no block, when the path
+  // is empty or the file is missing, held by another, empty or longer than kMaxBlockBytes.
   bool AddAttachment(std::string_view filePath);
 
   // Writes the header lines if no block did, forgets the recipients and closes the file. False
