@@ -1,0 +1,121 @@
+// Values that reach the header lines of a message the library writes come from mail senders, remote
+// fax stations and the fax service's records. Read back as the mail gateway reads it, a report
+// must name exactly the recipients the library chose, whatever those values hold.
+#include <gtest/gtest.h>
+
+#include <array>
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "common/job_record.h"
+#include "common/receive_record.h"
+#include "gateway/message_reader.h"
+#include "host/entry_points.h"
+#include "platform/clock.h"
+#include "reports/delivery_reports.h"
+#include "reports/report_fixture.h"
+
+namespace tqv {
+namespace {
+
+constexpr std::string_view kInjected = "RCPT TO:e@x.yz";
+
+class ReportsSecurity : public testing::ReportTest {
+ protected:
+  void SetUp() override {
+    ReportTest::SetUp();
+    WriteFile(ProductDir() + "/tqstring.ini",
+              std::string(testing::kReportStrings) +
+                  "T660=Unknown station\r\nT720=Unknown option %s\r\nT903=\"fax from \"\r\n");
+    WriteFile(ProductDir() + "/tqvadmin.ini",
+              "[Recipient List]\r\nann=Ann\r\n[Recipients Properties]\r\nann=7425\r\n");
+    platform::SetTickCountSource([this] { return tick_; });
+  }
+
+  // The recipients of the one message in the gateway-in directory, read line by line and block
+  // by block as the mail gateway reads them.
+  std::vector<std::string> RecipientsOfTheReport() {
+    const std::vector<std::string> messages = Messages();
+    EXPECT_EQ(messages.size(), 1u);
+    if (messages.empty()) return {};
+    WriteFile(PathOf("report.TMP"), messages.back());
+    MessageReader reader;
+    EXPECT_TRUE(reader.Open(PathOf("report.TMP")));
+    std::vector<std::string> recipients;
+    for (ReadCode code; (code = reader.ReadNext()) != ReadCode::End;) {
+      if (code == ReadCode::Recipient) {
+        std::array<char, 256> name{}, address{};
+        reader.GetRecipient(name, address);
+        recipients.emplace_back(address.data());
+      } else if (code == ReadCode::Body) {
+        EXPECT_TRUE(reader.ExtractBody(PathOf("block")));
+      } else if (code == ReadCode::Attachment) {
+        EXPECT_TRUE(reader.ExtractAttachment(PathOf("block")));
+      }
+    }
+    return recipients;
+  }
+
+  void RemoveMessages() const {
+    for (const auto &entry : std::filesystem::directory_iterator(GatewayIn()))
+      std::filesystem::remove(entry.path());
+  }
+
+  std::uint32_t tick_ = 1000;
+};
+
+// The option is echoed into the error line, which the report carries as its status text: a line
+// longer than the gateway reads whole would leave its tail to be read as a line of its own.
+TEST_F(ReportsSecurity, LongOptionLineInAConversionErrorAddsNoRecipient) {
+  const std::string echoed = "###ERROR: Unknown option ";
+  const std::string option = std::string(240 - echoed.size(), 'x') + std::string(kInjected);
+  WriteFile(GatewayOut() + "/MSG00001.TMP",
+            "MAIL FROM:ann\r\nRCPT TO:0891\r\nSubject:Order\r\n----beginbody:" +
+                std::to_string(option.size() + 4) + "\r\n::" + option + "\r\n\r\n----endbody\r\n");
+  tick_ += 20000;
+  std::array<unsigned char, kJobRecordSize> job{};
+  host::Scan(0, job.data());
+
+  EXPECT_EQ(RecipientsOfTheReport(), std::vector<std::string>{"ann"});
+  EXPECT_NE(Messages().back().find("FAX-StatusInfo:" + echoed + "xxx"), std::string::npos);
+}
+
+// The station identifier comes from the remote fax machine; status texts from the fax service.
+TEST_F(ReportsSecurity, LineEndsInStationAndStatusTextsAddNoRecipient) {
+  const std::string hostile = "+49 89\r\n" + std::string(kInjected) + "\r\n";
+  const struct {
+    const char *what;
+    TextField field;
+  } sentCases[] = {{"remote station of a sent fax", job::RemoteId},
+                   {"status text of a sent fax", job::StatusInfo},
+                   {"name of the fax recipient", job::RecipientName}};
+  for (const auto &c : sentCases) {
+    SCOPED_TRACE(c.what);
+    JobRecord record = JobRecord::WithTag(kFaxJobTag);
+    JobRecordView job = record.View();
+    job.SetText(job::SenderEmail, "ann");
+    job.SetText(job::FaxNumber, "0891");
+    job.SetNumber(job::Status, kStatusDelivered);
+    job.SetText(c.field, hostile);
+    host::FaxSent(job.Bytes());
+    EXPECT_EQ(RecipientsOfTheReport(), std::vector<std::string>{"ann"});
+    RemoveMessages();
+  }
+
+  // Nobody is routed to this station: the fax still goes out as a message, to no one.
+  std::array<unsigned char, kReceiveTouchedSize> record{};
+  ReceiveRecordView receive(record.data());
+  receive.SetNumber(receive::Result, kResultReceived);
+  receive.SetText(receive::RemoteId, hostile);
+  for (const char *info : {"Received", hostile.c_str()}) {
+    SCOPED_TRACE(info);
+    receive.SetText(receive::Info, info);
+    host::FaxReceived(record.data());
+    EXPECT_EQ(RecipientsOfTheReport(), std::vector<std::string>{});
+    RemoveMessages();
+  }
+}
+
+}  // namespace
+}  // namespace tqv
