@@ -100,9 +100,20 @@ std::int32_t AdminGetInt(std::string_view section, std::string_view key, std::in
   return platform::ProfileReadInt(AdminSectionName(section), key, defaultValue, file);
 }
 
+namespace {
+
+bool HoldsLineEnd(std::string_view text) {
+  return text.find_first_of(std::string_view("\r\n\0", 3)) != std::string_view::npos;
+}
+
+}  // namespace
+
 bool AdminPutString(std::string_view section, std::string_view key, std::optional<std::string_view> value) {
   const std::string &file = AdminDatabase().path;
-  if (file.empty()) return false;
+  // A line end would let a learned station identifier write sections and users of its own; no
+  // name or value of the database holds one.
+  if (file.empty() || HoldsLineEnd(section) || HoldsLineEnd(key) || (value && HoldsLineEnd(*value)))
+    return false;
   return platform::ProfileWriteString(AdminSectionName(section), key, value, file);
 }
 

@@ -44,7 +44,8 @@ std::string AdminGetString(std::string_view section, std::optional<std::string_v
                            std::string_view defaultValue, std::size_t size);
 // GetPrivateProfileInt on the database.
 std::int32_t AdminGetInt(std::string_view section, std::string_view key, std::int32_t defaultValue);
-// Sets the key, or removes it without a value. False when the file could not be written.
+// Sets the key, or removes it without a value. False when the file could not be written, or when
+// a name or the value holds a line end (it would write lines of its own).
 bool AdminPutString(std::string_view section, std::string_view key, std::optional<std::string_view> value);
 // Removes the whole section with every key in it. False when the file could not be written.
 bool AdminRemoveSection(std::string_view section);

@@ -40,7 +40,9 @@ std::string LogLineStart() {
 
 void AppendLogColumn(std::string &line, std::string_view value) {
   line += ",\"";
-  line += value;
+  // A station identifier or status text with a line end would write log lines of its own.
+  for (const char c : value)
+    line += (c == '\r' || c == '\n') ? ' ' : c;
   line += '"';
 }
 

@@ -3,6 +3,7 @@
 // must name exactly the recipients the library chose, whatever those values hold.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <array>
 #include <filesystem>
 #include <string>
@@ -114,6 +115,38 @@ TEST_F(ReportsSecurity, LineEndsInStationAndStatusTextsAddNoRecipient) {
     host::FaxReceived(record.data());
     EXPECT_EQ(RecipientsOfTheReport(), std::vector<std::string>{});
     RemoveMessages();
+  }
+}
+
+// A learned station identifier is written into the administration database, and every finished
+// job and received fax is a line of a log: a line end in the identifier would add sections, users
+// or log lines of the remote station's choosing.
+TEST_F(ReportsSecurity, LineEndsInAStationIdentifierWriteNoLinesOfTheirOwn) {
+  WriteFile(ProductDir() + "/tqvadmin.ini",
+            "[Recipient List]\r\nann=Ann\r\n[Recipients Properties]\r\nann=129\r\n");
+  const std::string hostile = "+49 89\r\n[Recipients Properties]\r\nmallory=1\r\n";
+  JobRecord record = JobRecord::WithTag(kFaxJobTag);
+  JobRecordView job = record.View();
+  job.SetText(job::SenderEmail, "ann");
+  job.SetText(job::FaxNumber, "0891");
+  job.SetNumber(job::Status, kStatusDelivered);
+  job.SetText(job::RemoteId, hostile);
+  host::FaxSent(job.Bytes());
+
+  const std::string database = ReadFile(ProductDir() + "/tqvadmin.ini");
+  EXPECT_EQ(database.find("mallory"), std::string::npos) << database;
+
+  std::array<unsigned char, kReceiveTouchedSize> received{};
+  ReceiveRecordView receive(received.data());
+  receive.SetNumber(receive::Result, kResultReceived);
+  receive.SetText(receive::RemoteId, hostile);
+  host::FaxReceived(received.data());
+  for (const char *log : {"/sendlog.txt", "/rcvlog.txt"}) {
+    SCOPED_TRACE(log);
+    const std::string text = ReadFile(ProductDir() + log);
+    // The header, its blank line and one line for the one fax.
+    EXPECT_EQ(std::count(text.begin(), text.end(), '\n'), 3) << text;
+    EXPECT_NE(text.find("+49 89  [Recipients Properties]  mallory=1  "), std::string::npos) << text;
   }
 }
 
