@@ -2,6 +2,7 @@
 // result the caller acts on.
 #include "outgoing/job_building.h"
 
+#include "common/file_extension.h"
 #include "common/job_record.h"
 #include "common/path_helpers.h"
 #include "common/text_limits.h"
@@ -19,7 +20,6 @@ constexpr std::size_t kDialRoom = 95;
 // The cover directory keeps room for "\TXTTEMPL.RTF" in TextTemplateFile.
 constexpr std::size_t kCoverDirectoryForTemplate = 249;
 constexpr std::string_view kTextTemplateName = "TXTTEMPL.RTF";
-constexpr std::string_view kJobFileExtension = "TQV";
 // Only names of the last moments can come from the clock again, so a few hundred are plenty.
 constexpr std::size_t kFailedCopyNamesKept = 256;
 
@@ -48,7 +48,8 @@ std::string CopyForJob(std::string_view source, std::string_view extension, std:
                        bool lastUse) {
   std::set<std::string> &failed = FailedCopyNames();
   named.insert(failed.begin(), failed.end());
-  const std::string copy = MakeUniqueName(CurrentService().pendingDirectory, extension, &named);
+  const std::string copy =
+      MakeUniqueName(CurrentService().pendingDirectory, DocumentCopyExtension(extension), &named);
   named.insert(copy);
   if (lastUse && platform::MoveFileTo(source, copy)) return copy;
   if (!platform::CopyFileTo(source, copy, true)) {

@@ -24,6 +24,7 @@ std::optional<platform::File> CreateJobFile(std::string &path);
 // its name free on disk, so no name is given twice: `named` holds those of the conversion under
 // way, and the names of failed copies are kept for the conversions that follow. For the last job
 // that needs a work file, `lastUse` moves the file there instead where it can, saving a copy.
+// An extension that would let the queue take the copy for a job file becomes kDefaultExtension.
 std::string CopyForJob(std::string_view source, std::string_view extension, std::set<std::string> &named,
                        bool lastUse = false);
 
