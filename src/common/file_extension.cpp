@@ -22,4 +22,20 @@ std::string SafeExtensionOf(std::string_view untrustedName, std::string_view fal
   return unsafe ? std::string(fallback) : extension;
 }
 
+bool CouldBeJobFileExtension(std::string_view extension) {
+  std::string letters;
+  for (const char c : extension) {
+    if (c == ' ') continue;
+    letters.push_back(c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c);
+    if (letters.size() == kJobFileExtension.size()) break;
+  }
+  return letters == kJobFileExtension;
+}
+
+std::string DocumentCopyExtension(std::string_view extension) {
+  std::string_view bare = extension;
+  if (bare.starts_with('.')) bare.remove_prefix(1);
+  return CouldBeJobFileExtension(bare) ? std::string(kDefaultExtension) : std::string(extension);
+}
+
 }  // namespace tqv

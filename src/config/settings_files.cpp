@@ -188,6 +188,13 @@ bool GetFaxAttachmentCheckFormat() {
   return ReadSwitchWrittenBack("Fax Attachments", "CheckFormat", true);
 }
 
+std::uint64_t GetMaxQueuedPerMessage() {
+  // Read only: the key stays out of the file unless an administrator puts it there.
+  const std::int32_t value = platform::ProfileReadInt("Fax Attachments", "MaxQueuedPerMessage",
+                                                      kDefaultMaxQueuedPerMessage, ConfigFilePath());
+  return static_cast<std::uint64_t>(value < 0 ? kDefaultMaxQueuedPerMessage : value);
+}
+
 bool GetDebugScheduling() {
   return platform::ProfileReadInt("Debug", "Scheduling", 0, ConfigFilePath()) != 0;
 }

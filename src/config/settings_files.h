@@ -42,6 +42,13 @@ bool GetSavedCheckFormat(SavedFileKind kind);       // default on
 std::int32_t GetFaxAttachmentMaxSize();  // default 5000
 bool GetFaxAttachmentCheckFormat();      // default on
 
+// [Fax Attachments] MaxQueuedPerMessage, in units of kQueuedLimitUnit bytes, not written back: the
+// most the jobs of one message or text file may put into the pending directory, all recipients'
+// copies and job files together. 0 means no limit; a negative value counts as the default.
+inline constexpr std::uint64_t kQueuedLimitUnit = 1000;
+inline constexpr std::int32_t kDefaultMaxQueuedPerMessage = 262144;
+std::uint64_t GetMaxQueuedPerMessage();
+
 // [Debug] Scheduling, not written back.
 bool GetDebugScheduling();
 

@@ -3,6 +3,7 @@
 // fail silently; a finished job's documents are deleted whatever happened before.
 #include <optional>
 
+#include "common/file_extension.h"
 #include "common/job_record.h"
 #include "common/path_helpers.h"
 #include "common/unique_name.h"
@@ -20,7 +21,7 @@ namespace tqv::host {
 
 int FaxPending(void *jobBuffer) {
   if (jobBuffer == nullptr || CurrentService().pendingDirectory.empty()) return -1;
-  const std::string path = MakeUniqueName(CurrentService().pendingDirectory, "TQV");
+  const std::string path = MakeUniqueName(CurrentService().pendingDirectory, kJobFileExtension);
   JobRecordView job(jobBuffer);
   // Everything but the job file's name is stored as the host left it.
   job.SetText(job::JobFile, path);

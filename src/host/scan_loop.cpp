@@ -75,8 +75,8 @@ int Scan(std::int32_t dueJobsFlag, void *jobBuffer) {
     last = platform::TickCount();
   }
 
-  // A job file that names another path, or cannot be deleted, would come back at once; one
-  // refusal per job file and call keeps the loop finite.
+  // A job file that cannot be deleted would come back at once; one refusal per job file and call
+  // keeps the loop finite.
   std::set<std::string> refused;
   int result = 0;
   while (SelectPendingJob(dueJobsFlag, service.pendingDirectory, jobBuffer)) {

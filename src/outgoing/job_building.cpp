@@ -2,12 +2,19 @@
 // result the caller acts on.
 #include "outgoing/job_building.h"
 
+#include <cstdint>
+
+#include "common/file_extension.h"
 #include "common/job_record.h"
 #include "common/path_helpers.h"
 #include "common/text_limits.h"
 #include "common/unique_name.h"
+#include "config/message_strings.h"
 #include "config/service_state.h"
+#include "config/settings_files.h"
+#include "config/string_formatting.h"
 #include "outgoing/dial_strings.h"
+#include "outgoing/option_lines.h"
 #include "platform/file_system.h"
 
 namespace tqv {
@@ -19,7 +26,6 @@ constexpr std::size_t kDialRoom = 95;
 // The cover directory keeps room for "\TXTTEMPL.RTF" in TextTemplateFile.
 constexpr std::size_t kCoverDirectoryForTemplate = 249;
 constexpr std::string_view kTextTemplateName = "TXTTEMPL.RTF";
-constexpr std::string_view kJobFileExtension = "TQV";
 // Only names of the last moments can come from the clock again, so a few hundred are plenty.
 constexpr std::size_t kFailedCopyNamesKept = 256;
 
@@ -48,7 +54,8 @@ std::string CopyForJob(std::string_view source, std::string_view extension, std:
                        bool lastUse) {
   std::set<std::string> &failed = FailedCopyNames();
   named.insert(failed.begin(), failed.end());
-  const std::string copy = MakeUniqueName(CurrentService().pendingDirectory, extension, &named);
+  const std::string copy =
+      MakeUniqueName(CurrentService().pendingDirectory, DocumentCopyExtension(extension), &named);
   named.insert(copy);
   if (lastUse && platform::MoveFileTo(source, copy)) return copy;
   if (!platform::CopyFileTo(source, copy, true)) {
@@ -56,6 +63,32 @@ std::string CopyForJob(std::string_view source, std::string_view extension, std:
     failed.insert(copy);
   }
   return copy;
+}
+
+std::optional<std::string> PendingLimitError(std::size_t jobs, const std::vector<std::string> &files) {
+  const std::uint64_t limit = GetMaxQueuedPerMessage() * kQueuedLimitUnit;
+  if (limit == 0 || jobs == 0) return std::nullopt;
+  // Every job has its job file; what is left of the limit is shared out over the copies.
+  std::uint64_t perJob = kJobRecordSize;
+  std::vector<std::uint64_t> sizes;
+  for (const std::string &file : files) {
+    const std::optional<platform::EntryInfo> info = platform::GetEntryInfo(file);
+    sizes.push_back(info && !info->isDirectory ? info->size : 0);
+    perJob += sizes.back();
+  }
+  if (perJob <= limit / jobs) return std::nullopt;
+
+  if (perJob <= limit) {
+    return FormatWithValue(GetString(kStringTooManyRecipients), static_cast<std::int64_t>(limit / perJob),
+                           kMaxErrorText);
+  }
+  // Not even one job fits: the sender is told how many of the files would.
+  std::size_t fitting = 0;
+  for (std::uint64_t used = kJobRecordSize; fitting < sizes.size() && used + sizes[fitting] <= limit;
+       ++fitting)
+    used += sizes[fitting];
+  return FormatWithValue(GetString(kStringTooManyDocuments), static_cast<std::int64_t>(fitting),
+                         kMaxErrorText);
 }
 
 bool FinishJobFile(std::optional<platform::File> &file, std::string_view path, const JobRecord &record) {

@@ -2,10 +2,12 @@
 // work files, the job file, the tag and dial string of a number, the text template.
 #pragma once
 
+#include <cstddef>
 #include <optional>
 #include <set>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "common/job_record.h"
 #include "platform/file.h"
@@ -24,8 +26,14 @@ std::optional<platform::File> CreateJobFile(std::string &path);
 // its name free on disk, so no name is given twice: `named` holds those of the conversion under
 // way, and the names of failed copies are kept for the conversions that follow. For the last job
 // that needs a work file, `lastUse` moves the file there instead where it can, saving a copy.
+// An extension that would let the queue take the copy for a job file becomes kDefaultExtension.
 std::string CopyForJob(std::string_view source, std::string_view extension, std::set<std::string> &named,
                        bool lastUse = false);
+
+// The error text for `jobs` jobs that would each take a copy of every one of `files` (paths that do
+// not exist count nothing) and a job file, when together they come to more than the pending
+// directory may take from one message or text file; nullopt while they stay within it.
+std::optional<std::string> PendingLimitError(std::size_t jobs, const std::vector<std::string> &files);
 
 // Writes the record into the job file that CreateJobFile made, and closes it. When the write
 // fails, the job file and the document copies the record names are removed, so that no job lies

@@ -6,9 +6,11 @@
 #include <algorithm>
 #include <array>
 #include <cctype>
+#include <cstddef>
 #include <optional>
 #include <set>
 #include <string>
+#include <vector>
 
 #include "admin/admin_request.h"
 #include "common/file_extension.h"
@@ -329,9 +331,19 @@ void MakeJobs(Conversion &message, const ServiceState &service) {
     return;
   }
 
-  // Read for their write-back only: nothing limits the documents of a message yet.
+  // Read for their write-back only: what a message may make is held by the queued limit below.
   GetFaxAttachmentCheckFormat();
   GetFaxAttachmentMaxSize();
+
+  // One message to many recipients multiplies its documents: it is refused before any job exists.
+  std::vector<std::string> perJob(
+      message.attachments.begin(),
+      message.attachments.begin() + std::min<std::ptrdiff_t>(message.attachments.size(), kMaxJobFiles));
+  perJob.push_back(message.messageTextPath);
+  if (const auto overLimit = PendingLimitError(message.recipients.size(), perJob)) {
+    message.ReportError(*overLimit);
+    return;
+  }
 
   std::size_t written = 0;
   for (RecipientEntry &recipient : message.recipients) {

@@ -2,11 +2,14 @@
 // the queue, and there is no index to go stale when another process adds or removes a job.
 #include "outgoing/pending_queue.h"
 
+#include <algorithm>
 #include <string>
 
+#include "common/file_extension.h"
 #include "common/path_helpers.h"
 #include "common/text_limits.h"
 #include "config/settings_files.h"
+#include "diag/file_notices.h"
 #include "diag/log_message.h"
 #include "platform/clock.h"
 #include "platform/event_log.h"
@@ -37,6 +40,11 @@ bool HasCoverExtension(std::string_view path) {
   return true;
 }
 
+char FoldedPathCharacter(char c) {
+  if (c == '/') return '\\';
+  return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
+}
+
 void GiveSchedulingNotice(std::int64_t secondsRemaining) {
   const std::uint32_t now = platform::TickCount();
   std::uint32_t &last = LastNoticeTick();
@@ -58,6 +66,12 @@ bool IsEarlyJob(const JobRecordView &job) {
   return false;
 }
 
+bool NamesJobFile(std::string_view jobFile, std::string_view path) {
+  return jobFile.size() == path.size() &&
+         std::equal(jobFile.begin(), jobFile.end(), path.begin(),
+                    [](char a, char b) { return FoldedPathCharacter(a) == FoldedPathCharacter(b); });
+}
+
 bool SelectPendingJob(std::int32_t dueJobsFlag, std::string_view pendingDirectory, void *output) {
   bool skipQueueTaken = false;
   bool dueTaken = false;
@@ -66,7 +80,8 @@ bool SelectPendingJob(std::int32_t dueJobsFlag, std::string_view pendingDirector
   std::string directory(pendingDirectory);
   CutText(directory, kMaxPath);
   AppendBackslash(directory);
-  for (const platform::EntryInfo &entry : platform::FindEntries(directory + "*.TQV")) {
+  for (const platform::EntryInfo &entry :
+       platform::FindEntries(directory + "*." + std::string(kJobFileExtension))) {
     if (entry.isDirectory) continue;
     std::string path = directory + entry.name;
     CutText(path, kMaxPath);
@@ -74,6 +89,17 @@ bool SelectPendingJob(std::int32_t dueJobsFlag, std::string_view pendingDirector
     if (!record) continue;
     const JobRecordView job = record->View();
     if (!job.HasValidHeader()) continue;
+    if (!NamesJobFile(job.Text(job::JobFile), path)) {
+      // Its text is not logged: the record is damaged or forged, the path is ours.
+      if (FirstNoticeOf(path)) {
+        LogMessage(
+            nullptr, kServiceEventSource, platform::kEventError,
+            "Job file '%s' names another file as its own; it is not handed out and stays in the pending "
+            "directory",
+            path.c_str());
+      }
+      continue;
+    }
 
     const std::int64_t now = platform::CurrentTime();
     if (job.Number(job::SkipQueue) != 0) {

@@ -4,6 +4,7 @@
 
 #include <set>
 #include <string>
+#include <vector>
 
 #include "common/file_extension.h"
 #include "common/job_record.h"
@@ -107,6 +108,12 @@ bool Convert(const std::string &source, const std::string &setupPath, const std:
       WriteTextJobErrorFile(LookupString(kStringNoRecipient, kNoRecipientSize), source);
       return !FileExists(source);
     }
+  }
+  std::vector<std::string> perJob{messageTextPath};
+  perJob.insert(perJob.end(), attachments.begin(), attachments.end());
+  if (const auto overLimit = PendingLimitError(recipients.size(), perJob)) {
+    WriteTextJobErrorFile(*overLimit, source);
+    return !FileExists(source);
   }
   std::size_t written = 0;
   std::set<std::string> copies;

@@ -21,5 +21,18 @@ TEST(FileExtension, UntrustedNamesNeverEscapeTheirDirectory) {
   EXPECT_EQ(SafeExtensionOf("x./etc/passwd", "RTF") + SafeExtensionOf("letterhead", "RTF"), "RTFRTF");
 }
 
+// A copy in the pending directory must never be found by the queue's "*.TQV": not in another case,
+// not through the blanks Windows drops, not through the three characters of a short name.
+TEST(FileExtension, DocumentCopiesNeverTakeTheJobFileExtension) {
+  const struct {
+    const char *extension;
+    const char *copy;
+  } cases[] = {{"TQV", "FAX"},  {"tqv", "FAX"},  {".TqV", "FAX"}, {"TQV ", "FAX"},  {"T QV", "FAX"},
+               {"tqvx", "FAX"}, {"TQV1", "FAX"}, {"TQ", "TQ"},    {"XTQV", "XTQV"}, {"tif", "tif"},
+               {"PDF", "PDF"},  {"TXT", "TXT"},  {"txt", "txt"},  {"", ""},         {".pdf", ".pdf"}};
+  for (const auto &c : cases)
+    EXPECT_EQ(DocumentCopyExtension(c.extension), c.copy) << c.extension;
+}
+
 }  // namespace
 }  // namespace tqv

@@ -166,13 +166,16 @@ TEST_F(HandOver, ScanRefusesBlockedJobsAndHandsOverTheNext) {
   EXPECT_EQ(host::Scan(1, buffer.data()), 0) << "only a blocked job left";
   EXPECT_TRUE(std::filesystem::is_empty(PathOf("gw/out/PENDING")));
 
-  // A job file whose record names another path cannot be removed through it: refused once per call.
+  // A job file whose record names another path is not even refused: accepting or removing it would
+  // delete that other file. It stays, with one event.
   JobRecord stray = StoreJob("00000004", "0891");
   stray.View().SetText(job::JobFile, PathOf("elsewhere.TQV"));
   ASSERT_TRUE(WriteJobFile(PendingDir() + "\\00000004.TQV", stray));
   EXPECT_EQ(host::Scan(1, buffer.data()), 0);
-  EXPECT_EQ(Messages().size(), 3u);
+  EXPECT_EQ(host::Scan(1, buffer.data()), 0);
+  EXPECT_EQ(Messages().size(), 2u);
   EXPECT_EQ(Events().size(), 1u);
+  EXPECT_TRUE(Exists(PathOf("gw/out/PENDING/00000004.TQV")));
 }
 
 TEST_F(HandOver, UsersAllowedToFaxAreCountedAndStationsLearned) {

@@ -24,10 +24,11 @@ class PendingQueue : public testing::InstallationTest {
     platform::SetTickCountSource([this] { return tick; });
   }
 
-  // Writes a due fax job named `name` whose subject is its name.
+  // A due fax job named `name` whose subject is its name, as the library writes it.
   JobRecord &Job(const std::string &name) {
     JobRecord &record = jobs[name] = JobRecord::WithTag(kFaxJobTag);
     record.View().SetText(job::Subject, name);
+    record.View().SetText(job::JobFile, PendingDir() + "\\" + name);
     return record;
   }
   void Store(const std::string &name) {

@@ -23,7 +23,8 @@ class TextFileConversion : public testing::InstallationTest {
   void SetUp() override {
     InstallationTest::SetUp();
     WriteFile(ProductDir() + "/tqstring.ini",
-              "[English]\r\nT428=No recipient\r\nT720=Unknown option %s\r\nT900=OK: \r\nT901=Failed: \r\n");
+              "[English]\r\nT428=No recipient\r\nT716=Recipients: %d\r\nT720=Unknown option %s\r\nT900=OK: "
+              "\r\nT901=Failed: \r\n");
     fs::create_directories(TextDir());
     platform::SetTickCountSource([this] { return tick; });
     ASSERT_EQ(host::Initialise(1, TextDir().c_str()), 0);
@@ -98,6 +99,15 @@ TEST_F(TextFileConversion, FilesThatCannotBeFaxedLeaveAnErrorFileOrOnlyTheirWork
   Scan();
   EXPECT_EQ(TextDirNames(), std::vector<std::string>{"ORDER.ERR"});
   EXPECT_EQ(ReadFile(TextDir() + "/ORDER.ERR").substr(0, 12), "No recipient");
+  fs::remove(TextDir() + "/ORDER.ERR");
+
+  // More than the pending directory may take from one file: no job is written at all.
+  SetConfig("Fax Attachments", "MaxQueuedPerMessage", "20");
+  WriteFile(TextDir() + "/ORDER.TXT", "::0711 42\r\n::0711 43\r\n::0711 44\r\n" + std::string(2000, 'x'));
+  Scan();
+  EXPECT_TRUE(fs::is_empty(Native(PendingDir())));
+  EXPECT_EQ(TextDirNames(), std::vector<std::string>{"ORDER.ERR"});
+  EXPECT_EQ(ReadFile(TextDir() + "/ORDER.ERR").substr(0, 14), "Recipients: 1\r");
   fs::remove(TextDir() + "/ORDER.ERR");
 
   // Only option lines, or only blanks: the file just goes.

@@ -25,7 +25,9 @@ class QueueListing : public testing::TempDirTest {
     return record;
   }
 
-  void Write(const std::string &name, const JobRecord &record, std::size_t size = kJobRecordSize) const {
+  // Writes the record under `name`, naming that file as its own unless it names one already.
+  void Write(const std::string &name, JobRecord record, std::size_t size = kJobRecordSize) const {
+    if (record.View().Text(job::JobFile).empty()) record.View().SetText(job::JobFile, PathOf(name));
     WriteFile(PathOf(name), record.Bytes().substr(0, size));
   }
 
@@ -43,18 +45,29 @@ TEST_F(QueueListing, ListsEveryJobFileSortedAndTheDamagedWithTheirReason) {
   std::filesystem::create_directory(PathOf("0000000D.TQV"));
   Write("0000000E.TQV", JobRecord::WithTag(kJfaxJobTag));
   WriteFile(PathOf("0000000F.TXT"), "not a job file");
+  // The library hands out only a record that names its own file, in whatever spelling leads there.
+  JobRecord elsewhere = FaxJob();
+  elsewhere.View().SetText(job::JobFile, "C:\\TQV\\0000000G.TQV\n");
+  Write("0000000G.TQV", elsewhere);
+  JobRecord respelt = FaxJob();
+  respelt.View().SetText(job::JobFile, Dir() + "\\.\\0000000h.tqv");
+  Write("0000000h.tqv", respelt);
 
   const std::optional<std::vector<QueueEntry>> entries = ListQueue(Dir());
   ASSERT_TRUE(entries);
   std::vector<std::pair<std::string, std::string>> listed;
   for (const QueueEntry &entry : *entries)
     listed.emplace_back(entry.file, entry.damage);
-  EXPECT_EQ(listed, (std::vector<std::pair<std::string, std::string>>{
-                        {"0000000A.TQV", "short: 8266 of 8267 bytes"},
-                        {"0000000b.tqv", "unknown tag \"KVDTQVOU\\x0A\""},
-                        {"0000000C.TQV", "record size 8266, not 8267"},
-                        {"0000000D.TQV", "cannot be opened (in use or unreadable)"},
-                        {"0000000E.TQV", ""}}));
+  EXPECT_EQ(
+      listed,
+      (std::vector<std::pair<std::string, std::string>>{
+          {"0000000A.TQV", "short: 8266 of 8267 bytes"},
+          {"0000000b.tqv", "unknown tag \"KVDTQVOU\\x0A\""},
+          {"0000000C.TQV", "record size 8266, not 8267"},
+          {"0000000D.TQV", "cannot be opened (in use or unreadable)"},
+          {"0000000E.TQV", ""},
+          {"0000000G.TQV", "its record names \"C:\\TQV\\0000000G.TQV\n\" as its job file, not this file"},
+          {"0000000h.tqv", ""}}));
   EXPECT_FALSE(ListQueue(PathOf("missing")));
 
   // A file the library holds is damaged only while held, and the listing's own open must be gone

@@ -2,7 +2,10 @@
 // the library's queue decide what counts as damaged, so the listing predicts what the host gets.
 #include "tqv/queue_listing.h"
 
+#include <algorithm>
 #include <cstdio>
+#include <filesystem>
+#include <system_error>
 
 #include "common/job_record.h"
 #include "common/path_helpers.h"
@@ -30,6 +33,20 @@ std::string Printable(std::string_view bytes) {
     }
   }
   return out;
+}
+
+// The library hands out only a job whose JobFile names the file it was read from. A directory given
+// in another spelling than the library's (relative, through a link) is the same one if the system
+// says the two paths lead to one file.
+bool NamesItself(std::string_view jobFile, std::string_view path) {
+  if (NamesJobFile(jobFile, path)) return true;
+  const auto native = [](std::string_view windowsPath) {
+    std::string text(windowsPath);
+    if (std::filesystem::path::preferred_separator == '/') std::replace(text.begin(), text.end(), '\\', '/');
+    return text;
+  };
+  std::error_code error;
+  return !jobFile.empty() && std::filesystem::equivalent(native(jobFile), native(path), error);
 }
 
 std::string ScheduleText(std::int32_t scheduledTime) {
@@ -67,6 +84,12 @@ QueueEntry ReadQueueEntry(std::string_view path, std::string file) {
   if (job.Number(job::RecordSize) != kJobRecordSize) {
     entry.damage = "record size " + std::to_string(job.Number(job::RecordSize)) + ", not " +
                    std::to_string(kJobRecordSize);
+    return entry;
+  }
+  const std::string jobFile = job.Text(job::JobFile);
+  if (!NamesItself(jobFile, path)) {
+    // Shown raw like the other record texts: each rendering makes it safe for its reader.
+    entry.damage = "its record names \"" + jobFile + "\" as its job file, not this file";
     return entry;
   }
   entry.tag = std::string(tag);
