@@ -83,6 +83,12 @@ void LogMessageV(const void *module, const char *source, std::uint16_t type, con
   // A logger that throws would turn a reported error into a crash; losing the entry is better.
   try {
     std::string message = FormatText(format, arguments);
+    // Senders, subjects and file names come from outside: a line end among them would write log
+    // lines and events of their own. A line end that closes the whole message is the format's.
+    const std::size_t body = message.find_last_not_of("\r\n") + 1;
+    for (std::size_t i = 0; i < body; ++i) {
+      if (message[i] == '\r' || message[i] == '\n') message[i] = ' ';
+    }
     WriteLogLine(message);
     platform::ReportEventToLog(module, source != nullptr ? source : "", type,
                                CutText(message, kMaxEventMessage));

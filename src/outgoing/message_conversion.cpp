@@ -115,19 +115,34 @@ struct Conversion {
   }
 };
 
-enum class ReadOutcome { Complete, Abandoned };
+// Why a message was given up before its end: each is deleted without jobs and without a report.
+enum class ReadOutcome { Complete, TablesFull, MalformedAttachmentLine, BlockUnreadable };
+
+const char *ReasonGivenUp(ReadOutcome outcome) {
+  switch (outcome) {
+    case ReadOutcome::TablesFull:
+      return "it has more recipients or attachments than one message may have";
+    case ReadOutcome::MalformedAttachmentLine:
+      return "an attachment line is malformed";
+    case ReadOutcome::BlockUnreadable:
+      return "its body or an attachment could not be extracted (a length past the end of the file?)";
+    case ReadOutcome::Complete:
+      break;
+  }
+  return "";
+}
 
 ReadOutcome ReadMessage(MessageReader &reader, Conversion &message, const std::string &workDirectory) {
   while (true) {
     // A full table ends the conversion before anything more is read, even the end of the message.
     if (message.recipients.size() >= kMessageRecipientLimit ||
         message.attachments.size() >= kMessageAttachmentLimit)
-      return ReadOutcome::Abandoned;
+      return ReadOutcome::TablesFull;
     switch (reader.ReadNext()) {
       case ReadCode::End:
         return ReadOutcome::Complete;
       case ReadCode::Malformed:
-        return ReadOutcome::Abandoned;
+        return ReadOutcome::MalformedAttachmentLine;
       case ReadCode::Sender: {
         std::array<char, kSenderSize> sender{};
         reader.GetSender(sender);
@@ -148,14 +163,14 @@ ReadOutcome ReadMessage(MessageReader &reader, Conversion &message, const std::s
         break;
       }
       case ReadCode::Body:
-        if (!reader.ExtractBody(message.bodyPath)) return ReadOutcome::Abandoned;
+        if (!reader.ExtractBody(message.bodyPath)) return ReadOutcome::BlockUnreadable;
         break;
       case ReadCode::Attachment: {
         std::array<char, kMaxAttachmentPath + 1> name{};
         reader.GetAttachmentName(name);
         // The name comes from the sender: its extension must not lead out of the work directory.
         const std::string path = MakeUniqueName(workDirectory, SafeExtensionOf(TextOf(name)));
-        if (!reader.ExtractAttachment(path)) return ReadOutcome::Abandoned;
+        if (!reader.ExtractAttachment(path)) return ReadOutcome::BlockUnreadable;
         message.attachments.push_back(path);
         break;
       }
@@ -399,6 +414,13 @@ void ConvertMessage(std::string_view path) {
     }
     message.hasText = FileExists(message.messageTextPath) && GetFileSizeOf(message.messageTextPath) > 0;
     MakeJobs(message, service);
+  } else {
+    // Nothing goes back to a sender the message itself may not name whole; an operator still
+    // hears of every message that vanished.
+    LogMessage(nullptr, kServiceEventSource, platform::kEventWarning,
+               "Message '%s' from '%s' with subject '%s' is deleted unconverted: %s",
+               std::string(path).c_str(), message.sender.c_str(), message.subject.c_str(),
+               ReasonGivenUp(outcome));
   }
 
   reader.Close();

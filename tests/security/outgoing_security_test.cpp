@@ -176,5 +176,39 @@ TEST_F(OutgoingSecurity, OneMessageCannotFillThePendingDirectory) {
   }
 }
 
+// A message the conversion gives up before its end goes without a report, since it may not even
+// name its sender whole; an operator still hears of each one, in one event line however the
+// sender spelled the subject.
+TEST_F(OutgoingSecurity, EveryMessageGivenUpLeavesOneWarning) {
+  std::string manyRecipients;
+  for (int i = 0; i < 1024; ++i)
+    manyRecipients += "RCPT TO:" + std::to_string(1000 + i) + "\r\n";
+  const struct {
+    const char *what;
+    std::string items;
+    const char *reason;
+  } cases[] = {
+      {"malformed attachment line", "----beginattach:a.tif:0\r\n", "attachment line is malformed"},
+      {"body length past the end", "----beginbody:999\r\nshort\r\n", "could not be extracted"},
+      {"1024 recipients", manyRecipients, "more recipients or attachments"},
+  };
+  for (const auto &c : cases) {
+    SCOPED_TRACE(c.what);
+    WriteFile(GatewayOut() + "/MSG00001.TMP", "MAIL FROM:" + std::string(kSender) +
+                                                  "\r\nRCPT TO:0711 1@fax\r\nSubject:Order\nforged\r\n" +
+                                                  c.items);
+    const std::size_t eventsBefore = Events().size();
+    tick += 20000;
+    std::array<unsigned char, kJobRecordSize> buffer{};
+    EXPECT_EQ(host::Scan(1, buffer.data()), 0);
+    EXPECT_TRUE(Messages().empty());
+    EXPECT_FALSE(Exists(GatewayOut() + "/MSG00001.TMP"));
+    ASSERT_EQ(Events().size(), eventsBefore + 1);
+    EXPECT_NE(Events().back().find("Order forged' is deleted unconverted"), std::string::npos)
+        << Events().back();
+    EXPECT_NE(Events().back().find(c.reason), std::string::npos) << Events().back();
+  }
+}
+
 }  // namespace
 }  // namespace tqv
