@@ -17,6 +17,7 @@
 #include "tqv/display_text.h"
 #include "tqv/host_records.h"
 #include "tqv/loopback_line.h"
+#include "tqv/plain_file.h"
 #include "tqv/received_fax.h"
 
 namespace tqv::tool {
@@ -105,9 +106,24 @@ std::string Lower(std::string text) {
   return text;
 }
 
+// Longer requests are no request of ours; the key lines fit in a few hundred bytes.
+constexpr std::size_t kMaxRequestBytes = 64 * 1024;
+
+// A request may name only a file of its own directory: a separator, a drive or a way up would let
+// whoever drops requests have other files mailed out and deleted. Empty when the name is fine.
+std::string FileNameRefusal(const std::string &name) {
+  if (name.empty()) return "is empty";
+  if (name == "." || name == "..") return "is no file name";
+  if (name.find_first_of("/\\:") != std::string::npos) return "is not a plain file name of the directory";
+  if (std::any_of(name.begin(), name.end(), [](unsigned char c) { return c < 0x20 || c == 0x7F; }))
+    return "holds a control character";
+  return {};
+}
+
 // The fax a request describes, and the files of the directory it names; false with the reason.
 bool ParseReceiveRequest(const std::string &text, const fs::path &directory, ReceivedFax &fax,
                          std::vector<fs::path> &named, std::string &error) {
+  fax.namedByRequest = true;
   std::istringstream lines(text);
   for (std::string line; std::getline(lines, line);) {
     if (!line.empty() && line.back() == '\r') line.pop_back();
@@ -116,6 +132,10 @@ bool ParseReceiveRequest(const std::string &text, const fs::path &directory, Rec
     const std::string key = Lower(line.substr(0, equals));
     const std::string value = line.substr(equals + 1);
     if (key == "image" || key == "ocr") {
+      if (const std::string refusal = FileNameRefusal(value); !refusal.empty()) {
+        error = "names " + key + " \"" + DisplayText(value) + "\", which " + refusal;
+        return false;
+      }
       const fs::path file = directory / value;
       named.push_back(file);
       (key == "image" ? fax.imageFile : fax.ocrTextFile) = file.string();
@@ -127,11 +147,7 @@ bool ParseReceiveRequest(const std::string &text, const fs::path &directory, Rec
       fax.result = static_cast<std::uint32_t>(std::strtoul(value.c_str(), nullptr, 10));
     }
   }
-  std::error_code failed;
-  if (fax.imageFile.empty())
-    error = "names no image";
-  else if (!fs::is_regular_file(fax.imageFile, failed))
-    error = "its image " + fax.imageFile + " does not exist";
+  if (fax.imageFile.empty()) error = "names no image";
   return error.empty();
 }
 
@@ -145,19 +161,24 @@ int PlayReceiveRequests(const EntryPoints &entries, const std::string &directory
   std::sort(requests.begin(), requests.end());
   int played = 0;
   for (const fs::path &request : requests) {
+    std::string error;
+    bool held = false;
     std::optional<std::string> text;
-    if (std::optional<platform::File> held = platform::File::OpenExclusive(request.string()))
-      text = held->ReadAll();
-    if (!text) continue;  // its writer still holds it
+    if (std::optional<PlainFile> file = PlainFile::Open(request.string(), {false, true}, error, &held))
+      text = file->ReadAll(kMaxRequestBytes);
+    if (held) continue;  // its writer still holds it
     ReceivedFax fax;
     std::vector<fs::path> named{request};
-    std::string error;
-    if (ParseReceiveRequest(*text, request.parent_path(), fax, named, error) &&
-        PlayReceivedFax(entries, fax, out, error)) {
+    if (!text) {
+      error = "it " + (error.empty() ? std::string("cannot be read or is too long") : error);
+    } else if (ParseReceiveRequest(*text, request.parent_path(), fax, named, error) &&
+               PlayReceivedFax(entries, fax, out, error)) {
       ++played;
-    } else {
-      out << "receive: request " << request.filename().string() << " " << error << "; removed" << std::endl;
+      error.clear();
     }
+    if (!error.empty())
+      out << "receive: request " << request.filename().string() << ": " << error << "; removed" << std::endl;
+    // Only names of this directory are ever here; a link among them goes, never what it points to.
     for (const fs::path &file : named)
       fs::remove(file, failed);
   }

@@ -159,7 +159,8 @@ void AddHostCommand(CLI::App &app, CommandAction &action) {
   host->add_option(
           "--receive-dir", options->receiveDir,
           "Play the received faxes requested by *.RCV files of this directory (Image=, Csid=, Dtmf=, "
-          "Ocr=, Result= lines), each once, then delete them.")
+          "Ocr=, Result= lines), each once, then delete them. Image= and Ocr= name plain files of this "
+          "directory; a request naming anything else, or a link, is refused and deleted.")
       ->check(CLI::ExistingDirectory);
   host->add_flag("--due", options->due, "Ask for due jobs too (the due-jobs flag of S_Scan).");
   host->add_flag("--once", options->once, "Run one scan cycle, then stop.");

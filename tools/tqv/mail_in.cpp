@@ -260,7 +260,7 @@ std::optional<GatewayMail> GatewayMailFromMime(std::string_view raw, const MailE
 }
 
 int RunMailIn(const std::string &gatewayOut, const MailEnvelope &envelope, std::istream &in,
-              std::ostream &err) {
+              std::ostream &err, const SenderCheck &check) {
   std::string raw;
   std::array<char, 64 * 1024> piece{};
   while (in.read(piece.data(), piece.size()) || in.gcount() > 0) {
@@ -274,11 +274,20 @@ int RunMailIn(const std::string &gatewayOut, const MailEnvelope &envelope, std::
     err << "tqv mail in: cannot read the message from standard input\n";
     return kExitTemporaryFailure;
   }
+  // Before parsing: a submission nobody vouches for is refused for that, whatever its content.
+  if (const std::string refusal = SubmitterRefusal(check); !refusal.empty()) {
+    err << "tqv mail in: " << refusal << "\n";
+    return kExitNoPermission;
+  }
   std::string error;
   const std::optional<GatewayMail> mail = GatewayMailFromMime(raw, envelope, error);
   if (!mail) {
     err << "tqv mail in: " << error << "\n";
     return kExitDataError;
+  }
+  if (const std::string refusal = SenderRefusal(check, mail->sender); !refusal.empty()) {
+    err << "tqv mail in: " << refusal << "\n";
+    return kExitNoPermission;
   }
   if (!PlaceGatewayFile(gatewayOut, FormatGatewayMail(*mail), error)) {
     err << "tqv mail in: " << error << "\n";

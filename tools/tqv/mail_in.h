@@ -1,6 +1,6 @@
 // `tqv mail in`: one Internet mail message, as an MTA pipe hands it over, becomes one gateway
 // message file in the gateway-out directory. The exit code tells the MTA what to do: 65 bounces
-// the message with the reason, 75 keeps it queued for a later try.
+// the message with the reason, 77 refuses a sender that may be forged, 75 keeps it queued.
 #pragma once
 
 #include <cstddef>
@@ -11,12 +11,15 @@
 #include <vector>
 
 #include "tqv/mail_gateway_file.h"
+#include "tqv/mail_sender_check.h"
 
 namespace tqv::tool {
 
 // sysexits: the message cannot be used (the MTA bounces it); try again later (the MTA defers it).
 inline constexpr int kExitDataError = 65;
 inline constexpr int kExitTemporaryFailure = 75;
+// sysexits: permission denied; the MTA bounces the message.
+inline constexpr int kExitNoPermission = 77;
 
 // The converter gives up on a message as soon as its recipient or attachment table is full, so a
 // full table is already one too many: such messages are bounced here, with the reason.
@@ -40,7 +43,8 @@ std::optional<GatewayMail> GatewayMailFromMime(std::string_view raw, const MailE
 std::string CleanAttachmentName(std::string_view utf8Name, std::string_view fallback);
 
 // Reads the message from `in`, places its file; the exit code, after one line on `err` if not 0.
+// The sender is checked against `check` after the From: fallback, so a null sender cannot slip by.
 int RunMailIn(const std::string &gatewayOut, const MailEnvelope &envelope, std::istream &in,
-              std::ostream &err);
+              std::ostream &err, const SenderCheck &check = {});
 
 }  // namespace tqv::tool

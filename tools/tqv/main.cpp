@@ -4,6 +4,8 @@
 
 #include <algorithm>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "tqv/commands.h"
 #include "tqv/completion.h"
@@ -14,6 +16,25 @@ std::string OneLineFailure(const CLI::App *, const CLI::Error &error) {
   std::string reason = error.what();
   std::replace(reason.begin(), reason.end(), '\n', ' ');
   return "tqv: " + reason + " (see --help)\n";
+}
+
+// An MTA expands "--sasl-user=${sasl_username}" to "--sasl-user=" when there is no login, and
+// CLI11 would then take the next argument as the value: the empty value is made a word of its own.
+std::vector<std::string> WithEmptyValuesSplit(int argc, char **argv) {
+  std::vector<std::string> words;
+  bool options = true;
+  for (int i = 0; i < argc; ++i) {
+    std::string word = argv[i];
+    if (word == "--") options = false;
+    if (options && word.size() > 3 && word.starts_with("--") && word.find('=') == word.size() - 1) {
+      word.pop_back();
+      words.push_back(word);
+      words.emplace_back();
+    } else {
+      words.push_back(std::move(word));
+    }
+  }
+  return words;
 }
 
 }  // namespace
@@ -36,8 +57,12 @@ int main(int argc, char **argv) {
 #endif
   tqv::tool::AddCompletionCommand(app, action);
 
+  std::vector<std::string> words = WithEmptyValuesSplit(argc, argv);
+  std::vector<char *> wordPointers;
+  for (std::string &word : words)
+    wordPointers.push_back(word.data());
   try {
-    app.parse(argc, argv);
+    app.parse(static_cast<int>(wordPointers.size()), wordPointers.data());
   } catch (const CLI::ParseError &error) {
     return app.exit(error) == 0 ? tqv::tool::kExitSuccess : tqv::tool::kExitUsage;
   }

@@ -1,5 +1,5 @@
-// Playing a received fax. The image goes where the library said, mapped to a native path the same
-// way the library maps it, so both sides see the same file.
+// Playing a received fax. The image goes where the library said, through the library's own file
+// layer, so both sides see the same file; a source that is not a plain file is refused unread.
 #include "tqv/received_fax.h"
 
 #include <array>
@@ -9,8 +9,11 @@
 #if !defined(_WIN32)
 #include "platform/posix/native_path.h"
 #endif
+#include "platform/file.h"
+#include "platform/file_system.h"
 #include "tqv/host_records.h"
 #include "tqv/loopback_line.h"
+#include "tqv/plain_file.h"
 
 namespace tqv::tool {
 
@@ -27,12 +30,30 @@ std::string NativePath(std::string_view windowsPath) {
 #endif
 }
 
-bool CopyInto(const std::string &source, const std::string &target, std::string &error) {
-  std::error_code failed;
-  if (fs::copy_file(source, target, fs::copy_options::none, failed)) return true;
-  error = "cannot copy " + source + " to " + target + ": " + failed.message();
-  // Only a copy that got as far as creating the target leaves anything to remove.
-  if (failed != std::errc::file_exists) fs::remove(target, failed);
+// `target` is the library's Windows-form name; it must not exist yet.
+bool CopyInto(std::string_view what, const std::string &source, bool followLinks, const std::string &target,
+              std::string &error) {
+  std::string why;
+  std::optional<PlainFile> from = PlainFile::Open(source, {followLinks, false}, why);
+  if (!from) {
+    error = std::string(what) + " " + source + " " + why;
+    return false;
+  }
+  std::optional<platform::File> to = platform::File::Open(
+      target, platform::FileAccess::Write, platform::FileSharing::None, platform::FileCreation::CreateNew);
+  if (!to) {
+    error = "cannot create " + target;
+    return false;
+  }
+  std::array<char, 64 * 1024> piece{};
+  while (true) {
+    const std::optional<std::size_t> got = from->Read(piece.data(), piece.size());
+    if (got && *got == 0) return true;
+    if (!got || !to->Write(piece.data(), *got)) break;
+  }
+  error = "cannot copy " + source + " to " + target;
+  to.reset();
+  platform::RemoveFile(target);
   return false;
 }
 
@@ -57,16 +78,14 @@ bool PlayReceivedFax(const EntryPoints &entries, const ReceivedFax &fax, std::os
     return false;
   }
   const std::string nativeFax = NativePath(faxFile);
-  if (!CopyInto(fax.imageFile, nativeFax, error)) return false;
+  if (!CopyInto("image", fax.imageFile, !fax.namedByRequest, faxFile, error)) return false;
   out << "receive: image " << fax.imageFile << " stored as " << faxFile << " (" << nativeFax << ")"
       << std::endl;
 
   if (!fax.ocrTextFile.empty()) {
     const std::string ocrFile = OcrTextPathFor(faxFile);
-    const std::string nativeOcr = NativePath(ocrFile);
-    if (!CopyInto(fax.ocrTextFile, nativeOcr, error)) {
-      std::error_code ignored;
-      fs::remove(nativeFax, ignored);
+    if (!CopyInto("text", fax.ocrTextFile, !fax.namedByRequest, ocrFile, error)) {
+      platform::RemoveFile(faxFile);
       return false;
     }
     WriteNumber(record, host_receive::OcrAvailable, std::uint32_t{1});

@@ -26,14 +26,16 @@ struct ReceivedFax {
   std::string imageFile{};    // native path of the image to deliver
   std::string ocrTextFile{};  // native path of the recognised text; empty = none
   std::uint32_t result = kResultReceived;
+  // The files were named by a request anyone may drop: a link among them is refused, not followed.
+  bool namedByRequest = false;
 };
 
 // The Windows-form path of the recognised text beside the fax image: same name, extension "TXT".
 std::string OcrTextPathFor(std::string_view faxFile);
 
 // S_CreateReceiveFaxFile, the image (and text) copied to the names it gives, then S_FaxReceived.
-// False with the reason in `error` when the library names no file or a copy fails; the library is
-// then not told of the fax and the copies made are removed.
+// False with the reason in `error` when the library names no file, a source is not a plain file
+// or a copy fails; the library is then not told of the fax and the copies made are removed.
 bool PlayReceivedFax(const EntryPoints &entries, const ReceivedFax &fax, std::ostream &out,
                      std::string &error);
 

@@ -1,0 +1,255 @@
+// Attacks on the tqv tool from those who may only drop files or send mail: received-fax requests
+// that name files outside their directory or links, and mail from senders who did not log in.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <sstream>
+#include <string>
+#include <utility>
+#include <vector>
+
+#if !defined(_WIN32)
+#include <sys/stat.h>
+#endif
+
+#include "support/platform_backend.h"
+#include "support/temp_dir.h"
+#include "tqv/fax_service_simulator.h"
+#include "tqv/host_records.h"
+#ifdef TQV_MAIL_BRIDGE
+#include "tqv/mail_in.h"
+#endif
+
+namespace tqv::tool {
+namespace {
+
+namespace fs = std::filesystem;
+
+// The images the library was handed; the library's side removes each after reading it.
+std::string *faxFileOfReceiver = nullptr;
+std::vector<std::string> *faxesReceived = nullptr;
+
+class ReceiveDirSecurity : public testing::TempDirTest {
+ protected:
+  void SetUp() override {
+    TempDirTest::SetUp();
+    faxFile_ = PathOf("6B000001.FAX");
+    faxFileOfReceiver = &faxFile_;
+    faxesReceived = &faxes_;
+    fs::create_directories(PathOf("receive"));
+    WriteFile(PathOf("secret.tif"), "II*private");
+    entries_.createReceiveFaxFile = [](void *record) {
+      WriteText(static_cast<unsigned char *>(record), host_receive::FaxFile, *faxFileOfReceiver);
+      return 0;
+    };
+    entries_.faxReceived = [](void *) {
+      std::ifstream image(*faxFileOfReceiver, std::ios::binary);
+      faxesReceived->emplace_back(std::istreambuf_iterator<char>(image), std::istreambuf_iterator<char>());
+      image.close();
+      fs::remove(*faxFileOfReceiver);
+      return 0;
+    };
+  }
+  void TearDown() override {
+    faxFileOfReceiver = nullptr;
+    faxesReceived = nullptr;
+    TempDirTest::TearDown();
+  }
+
+  int Play() {
+    out_.str("");
+    return PlayReceiveRequests(entries_, PathOf("receive"), out_);
+  }
+  // Nothing was handed over, the file outside is untouched and the request is gone with a reason.
+  void ExpectRefused(const std::string &request) {
+    EXPECT_TRUE(faxes_.empty()) << request;
+    EXPECT_EQ("II*private", ReadFile(PathOf("secret.tif"))) << request;
+    EXPECT_FALSE(Exists(PathOf("receive/" + request))) << request;
+    EXPECT_NE(out_.str().find("request " + request + ": "), std::string::npos) << out_.str();
+  }
+
+  std::string faxFile_;
+  std::vector<std::string> faxes_;
+  EntryPoints entries_;
+  std::ostringstream out_;
+};
+
+TEST_F(ReceiveDirSecurity, NamesThatLeaveTheDirectoryAreRefusedAndNothingOutsideIsDeleted) {
+  const std::vector<std::pair<std::string, std::string>> requests = {
+      {"UP.RCV", "Image=../secret.tif\r\n"},
+      {"BACK.RCV", "Image=..\\secret.tif\r\n"},
+      {"ABS.RCV", "Image=" + PathOf("secret.tif") + "\r\n"},
+      {"DRIVE.RCV", "Image=C:secret.tif\r\n"},
+      {"DOTS.RCV", "Image=..\r\n"},
+      {"OCR.RCV", "Image=IN.TIF\r\nOcr=../secret.tif\r\n"},
+  };
+  for (const auto &[name, text] : requests) {
+    WriteFile(PathOf("receive/IN.TIF"), "II*inside");
+    WriteFile(PathOf("receive/" + name), text);
+    EXPECT_EQ(0, Play()) << name;
+    ExpectRefused(name);
+  }
+}
+
+TEST_F(ReceiveDirSecurity, LinksAndSpecialFilesAreRefusedUnreadAndWithoutWaiting) {
+  TQV_SKIP_ON_WIN32("links and FIFOs as POSIX makes them");
+#if !defined(_WIN32)
+  fs::create_symlink(PathOf("secret.tif"), PathOf("receive/LINK.TIF"));
+  WriteFile(PathOf("receive/LINK.RCV"), "Image=LINK.TIF\r\n");
+  EXPECT_EQ(0, Play());
+  ExpectRefused("LINK.RCV");
+  EXPECT_FALSE(fs::is_symlink(fs::symlink_status(PathOf("receive/LINK.TIF")))) << "the link itself goes";
+
+  // A request that is itself a link to a file elsewhere is not read.
+  WriteFile(PathOf("elsewhere.txt"), "Image=IN.TIF\r\n");
+  WriteFile(PathOf("receive/IN.TIF"), "II*inside");
+  fs::create_symlink(PathOf("elsewhere.txt"), PathOf("receive/AWAY.RCV"));
+  EXPECT_EQ(0, Play());
+  ExpectRefused("AWAY.RCV");
+  EXPECT_TRUE(Exists(PathOf("elsewhere.txt")));
+
+  // A FIFO blocks whoever opens it for reading until a writer comes; none ever does.
+  ASSERT_EQ(0, ::mkfifo(PathOf("receive/PIPE.TIF").c_str(), 0600));
+  WriteFile(PathOf("receive/PIPE.RCV"), "Image=PIPE.TIF\r\n");
+  EXPECT_EQ(0, Play());
+  ExpectRefused("PIPE.RCV");
+  ASSERT_EQ(0, ::mkfifo(PathOf("receive/FIFO.RCV").c_str(), 0600));
+  EXPECT_EQ(0, Play());
+  ExpectRefused("FIFO.RCV");
+#endif
+}
+
+#ifdef TQV_MAIL_BRIDGE
+
+// The envelope sender is whatever the submitter typed; only the MTA's login or the client's
+// address says who sent a mail.
+class MailSenderSecurity : public testing::TempDirTest {
+ protected:
+  void SetUp() override {
+    TempDirTest::SetUp();
+    fs::create_directories(PathOf("out"));
+  }
+  std::size_t Messages() const { return FileNames(PathOf("out")).size(); }
+};
+
+std::optional<SenderLoginMap> LoginMap(std::string_view text) {
+  std::string error;
+  std::optional<SenderLoginMap> map = SenderLoginMap::Parse(text, error);
+  EXPECT_TRUE(map.has_value()) << error;
+  return map;
+}
+
+TEST_F(MailSenderSecurity, OnlyTheSendersOwnLoginOrATrustedClientLetsItsMailIn) {
+  const auto trusted = [](std::initializer_list<const char *> networks) {
+    std::vector<ClientNetwork> list;
+    for (const char *network : networks)
+      list.push_back(*ClientNetwork::Parse(network));
+    return list;
+  };
+  const std::string officeMap = "anna@example.test fax-anna, backup  # her own\n@example.test office\n";
+  struct Case {
+    std::string name;
+    std::string envelopeSender;
+    SenderCheck check;
+    int exitCode;
+  };
+  const std::vector<Case> cases = {
+      {"no check: anyone, as before", "anna@example.test", {}, 0},
+      {"forged, no login", "anna@example.test", {true, {}, {}, "", "203.0.113.9"}, kExitNoPermission},
+      {"forged, nothing known", "anna@example.test", {true, {}, {}, "", ""}, kExitNoPermission},
+      {"own login, domain in other case", "anna@EXAMPLE.test", {true, {}, {}, "anna@example.TEST", ""}, 0},
+      {"local part in other case",
+       "Anna@example.test",
+       {true, {}, {}, "anna@example.test", ""},
+       kExitNoPermission},
+      {"someone else's login",
+       "anna@example.test",
+       {true, {}, {}, "mallory@example.test", ""},
+       kExitNoPermission},
+      {"bare login, no map", "anna@example.test", {true, {}, {}, "anna", ""}, kExitNoPermission},
+      {"null sender falls back to From:",
+       "<>",
+       {true, {}, {}, "mallory@example.test", ""},
+       kExitNoPermission},
+      {"listed client", "anna@example.test", {true, trusted({"192.0.2.0/24"}), {}, "", "192.0.2.77"}, 0},
+      {"client outside the list",
+       "anna@example.test",
+       {true, trusted({"192.0.2.0/24"}), {}, "", "192.0.3.1"},
+       kExitNoPermission},
+      {"listed IPv6 client",
+       "anna@example.test",
+       {true, trusted({"2001:db8::/32"}), {}, "", "2001:db8:7::5"},
+       0},
+      {"IPv4 client in mapped form",
+       "anna@example.test",
+       {true, trusted({"192.0.2.9"}), {}, "", "::ffff:192.0.2.9"},
+       0},
+      {"map: login for the address", "anna@example.test", {true, {}, LoginMap(officeMap), "backup", ""}, 0},
+      {"map: login for the domain", "bob@Example.Test", {true, {}, LoginMap(officeMap), "office", ""}, 0},
+      {"map: address entry wins over domain",
+       "anna@example.test",
+       {true, {}, LoginMap(officeMap), "office", ""},
+       kExitNoPermission},
+      {"map: login not listed",
+       "bob@example.test",
+       {true, {}, LoginMap(officeMap), "fax-anna", ""},
+       kExitNoPermission},
+  };
+  const std::string mime =
+      "From: Anna <anna@example.test>\nTo: 089123456@fax.example\nSubject: x\n\nPlease fax.\n";
+  for (const Case &c : cases) {
+    const std::size_t before = Messages();
+    std::istringstream in(mime);
+    std::ostringstream err;
+    EXPECT_EQ(c.exitCode,
+              RunMailIn(PathOf("out"), {c.envelopeSender, {"089123456@fax.example"}}, in, err, c.check))
+        << c.name << ": " << err.str();
+    EXPECT_EQ(before + (c.exitCode == 0 ? 1 : 0), Messages()) << c.name;
+    if (c.exitCode != 0) {
+      const std::string reason = err.str();
+      EXPECT_EQ(0u, reason.rfind("tqv mail in: ", 0)) << c.name << ": " << reason;
+      EXPECT_EQ(1, std::count(reason.begin(), reason.end(), '\n')) << c.name << ": " << reason;
+    }
+  }
+}
+
+TEST_F(MailSenderSecurity, MalformedClientListsAndLoginMapsAreRefused) {
+  for (const char *bad :
+       {"", "192.0.2.0/33", "192.0.2.256", "2001:db8::/129", "192.0.2.0/", "example.test", "1.2.3.4/x"})
+    EXPECT_FALSE(ClientNetwork::Parse(bad).has_value()) << bad;
+  EXPECT_FALSE(ClientNetwork::Parse("192.0.2.0/24")->Contains("")) << "no address is no client";
+  EXPECT_TRUE(ClientNetwork::Parse("[2001:db8::1]")->Contains("2001:db8::1"));
+  std::string error;
+  EXPECT_FALSE(SenderLoginMap::Parse("anna@example.test\n", error).has_value());
+  EXPECT_FALSE(SenderLoginMap::Parse("anna anna\n", error).has_value());
+}
+
+// As Postfix runs it: "--sasl-user=${sasl_username}" is "--sasl-user=" for a submitter without a login.
+TEST_F(MailSenderSecurity, CommandRefusesAForgedSenderWithExitCode77) {
+  WriteFile(PathOf("mail.eml"), "From: anna@example.test\nTo: 1@fax.example\nSubject: x\n\nhi\n");
+  const auto run = [&](const std::string &arguments) {
+    return testing::RunProgram(
+        "/bin/sh",
+        {"-c", std::string(TQV_TOOL_PATH) + " mail in --gateway-out " + PathOf("out") +
+                   " --sender=anna@example.test " + arguments + " -- 1@fax.example <" + PathOf("mail.eml")},
+        Dir());
+  };
+  testing::ProgramOutcome outcome = run("--require-auth --sasl-user= --client-address=203.0.113.9");
+  EXPECT_EQ(kExitNoPermission, outcome.exitCode) << outcome.err;
+  EXPECT_NE(outcome.err.find("did not log in"), std::string::npos) << outcome.err;
+  EXPECT_EQ(0u, Messages());
+
+  outcome = run("--require-auth --sasl-user=anna@example.test --client-address=");
+  EXPECT_EQ(0, outcome.exitCode) << outcome.err;
+  outcome = run("--sasl-user= --client-address=203.0.113.9 --require-auth --trusted-client 203.0.113.0/24");
+  EXPECT_EQ(0, outcome.exitCode) << outcome.err;
+  EXPECT_EQ(2u, Messages());
+}
+
+#endif
+
+}  // namespace
+}  // namespace tqv::tool
