@@ -17,6 +17,7 @@
 #include "config/user_list.h"
 #include "config/user_properties.h"
 #include "diag/log_message.h"
+#include "diag/special_file_notice.h"
 #include "gateway/message_writer.h"
 #include "platform/clock.h"
 #include "platform/event_log.h"
@@ -146,8 +147,15 @@ void ScanVoicemail() {
     if (entry.name.size() <= kDescriptionExtension.size() ||
         !EndsWithIgnoringCase(entry.name, kDescriptionExtension))
       continue;
+    if (entry.isDirectory) continue;
     std::string path = prefix + entry.name;
     CutText(path, kMaxPath);
+    // Descriptions are read through the settings reader, which goes through links: only a plain
+    // file may reach it from a directory others can write.
+    if (!entry.isRegularFile) {
+      NoticeSpecialFile(path);
+      continue;
+    }
     // The recorder holds the file without sharing until it has written it.
     if (!platform::File::OpenExclusive(path).has_value()) continue;
     DeliverVoicemailFile(path);

@@ -1,6 +1,7 @@
 // An open file of the operating system, closed when the object goes. Opens follow the Windows
 // sharing rules on every platform, so a file that another process is still writing stays unreadable.
-// Every failure is a result (nullopt or false); nothing throws and nothing is logged here.
+// Only plain files open: a final link, a FIFO or a device is refused without blocking. Every
+// failure is a result (nullopt or false); nothing throws and nothing is logged here.
 #pragma once
 
 #include <cstddef>
@@ -27,10 +28,15 @@ enum class FileCreation {
 
 enum class SeekOrigin { Begin, Current, End };
 
+// Whether a symbolic link (a reparse point on Windows) as the last component is gone through.
+// Anyone who may write a shared directory can plant one there, so only files that an
+// administrator alone places, the settings files, are opened through one.
+enum class FinalLink { Refuse, Follow };
+
 class File {
  public:
   static std::optional<File> Open(std::string_view path, FileAccess access, FileSharing sharing,
-                                  FileCreation creation);
+                                  FileCreation creation, FinalLink finalLink = FinalLink::Refuse);
 
   // The opens the system uses most, by what they are for.
   static std::optional<File> OpenExclusive(std::string_view path) {

@@ -4,6 +4,7 @@
 
 #include "platform/fault_injection.h"
 #include "platform/file.h"
+#include "platform/special_files.h"
 #include "support/platform_backend.h"
 #include "support/temp_dir.h"
 
@@ -108,6 +109,54 @@ TEST_F(FileSystemTest, ByteCopyRunsFromPositionToPositionAndStopsAtTheEnd) {
   EXPECT_EQ(CopyBytes(*from, *to, 100), 4u) << "only the tail was left";
   to.reset();
   EXPECT_EQ(ReadFile(PathOf("to.bin")), "<" + bytes + ">tail");
+}
+
+// Listings tell plain files from what only looks like one; a link that leads nowhere still holds
+// its name, or a unique-name walk would pick that name and write where the link points.
+TEST_F(FileSystemTest, ListingsMarkLinksAndSpecialFilesAndKeepDanglingLinks) {
+  TQV_SKIP_ON_WIN32("links and FIFOs are made the POSIX way");
+  WriteFile(PathOf("plain.txt"), "x");
+  std::filesystem::create_symlink(PathOf("plain.txt"), PathOf("link.txt"));
+  std::filesystem::create_symlink(PathOf("nowhere.txt"), PathOf("dangling.txt"));
+  ASSERT_TRUE(tqv::testing::MakeFifo(PathOf("fifo.txt")));
+
+  std::vector<std::pair<std::string, bool>> listed;
+  for (const EntryInfo &entry : FindEntries(PathOf("*.txt")))
+    listed.emplace_back(entry.name, entry.isRegularFile);
+  EXPECT_EQ(listed,
+            (std::vector<std::pair<std::string, bool>>{
+                {"dangling.txt", false}, {"fifo.txt", false}, {"link.txt", false}, {"plain.txt", true}}));
+  const std::optional<EntryInfo> dangling = GetEntryInfo(PathOf("dangling.txt"));
+  ASSERT_TRUE(dangling);
+  EXPECT_FALSE(dangling->isRegularFile);
+  EXPECT_EQ(GetEntryInfo(PathOf("link.txt"))->size, 1u) << "a link describes what it leads to";
+}
+
+// A copy or move never reads a private file through a link, never writes through one at the
+// target, and a removal takes the link, not the file it leads to.
+TEST_F(FileSystemTest, CopyAndMoveTakePlainFilesOnlyAndRemoveTakesTheLinkItself) {
+  TQV_SKIP_ON_WIN32("links need privileges on Windows");
+  const std::string secret = PathOf("secret.txt");
+  WriteFile(secret, "secret");
+  WriteFile(PathOf("source.txt"), "new");
+  std::filesystem::create_symlink(secret, PathOf("to-secret.txt"));
+  std::filesystem::create_symlink(PathOf("created.txt"), PathOf("dangling.txt"));
+
+  EXPECT_FALSE(CopyFileTo(PathOf("to-secret.txt"), PathOf("copy.txt"), false));
+  EXPECT_FALSE(Exists(PathOf("copy.txt")));
+  for (bool failIfExists : {true, false}) {
+    EXPECT_FALSE(CopyFileTo(PathOf("source.txt"), PathOf("to-secret.txt"), failIfExists));
+    EXPECT_FALSE(CopyFileTo(PathOf("source.txt"), PathOf("dangling.txt"), failIfExists));
+  }
+  EXPECT_FALSE(MoveFileTo(PathOf("to-secret.txt"), PathOf("moved.txt")));
+  EXPECT_FALSE(std::filesystem::is_symlink(PathOf("moved.txt")));
+  EXPECT_FALSE(MoveFileTo(PathOf("source.txt"), PathOf("dangling.txt")));
+  EXPECT_EQ(ReadFile(secret), "secret");
+  EXPECT_FALSE(Exists(PathOf("created.txt")));
+
+  EXPECT_TRUE(RemoveFile(PathOf("to-secret.txt")));
+  EXPECT_FALSE(std::filesystem::is_symlink(PathOf("to-secret.txt")));
+  EXPECT_EQ(ReadFile(secret), "secret");
 }
 
 }  // namespace

@@ -1,9 +1,11 @@
 #include "platform/file.h"
 
 #include <atomic>
+#include <filesystem>
 #include <string>
 #include <vector>
 
+#include "platform/special_files.h"
 #include "support/platform_backend.h"
 #include "support/temp_dir.h"
 
@@ -70,6 +72,55 @@ TEST_F(FileTest, ANewFileIsHeldFromTheMomentItsNameAppears) {
       });
   EXPECT_EQ(files.size(), static_cast<std::size_t>(kFiles));
   EXPECT_EQ(taken.load(), 0);
+}
+
+// Anyone may drop a FIFO into a shared directory: an open that waited for its other end would stop
+// the library for good. Every kind of open gives up at once, with or without a writer there.
+TEST_F(FileTest, AFifoIsRefusedAtOnceByEveryOpen) {
+  TQV_SKIP_ON_WIN32("FIFOs are POSIX files");
+  const std::string fifo = PathOf("MSG1.TMP");
+  ASSERT_TRUE(tqv::testing::MakeFifo(fifo));
+  const int opened = tqv::testing::ExitCodeOfGuarded([&] {
+    int count = 0;
+    for (FileCreation creation :
+         {FileCreation::OpenExisting, FileCreation::OpenAlways, FileCreation::CreateAlways})
+      for (FileAccess access : {FileAccess::Read, FileAccess::Write, FileAccess::ReadWrite})
+        count += File::Open(fifo, access, FileSharing::ReadWrite, creation).has_value();
+    count += File::OpenForAppend(fifo).has_value();
+    count +=
+        File::Open(fifo, FileAccess::Read, FileSharing::None, FileCreation::OpenExisting, FinalLink::Follow)
+            .has_value();
+    return count;
+  });
+  EXPECT_EQ(opened, 0) << "-1: an open blocked";
+}
+
+// A link planted in a shared directory must not let a read or a write reach the file it leads to,
+// whether that file exists or not. Settings files alone may be opened through one.
+TEST_F(FileTest, OpensNeverGoThroughALinkUnlessAskedTo) {
+  TQV_SKIP_ON_WIN32("links need privileges on Windows; the reparse-point checks run there untested here");
+  const std::string outside = PathOf("private.txt");
+  WriteFile(outside, "private");
+  const std::string link = PathOf("ORDER.ERR");
+  std::filesystem::create_symlink(outside, link);
+  const std::string dangling = PathOf("ORDER.OK");
+  std::filesystem::create_symlink(PathOf("created.txt"), dangling);
+
+  for (const std::string &path : {link, dangling}) {
+    EXPECT_FALSE(File::OpenShared(path)) << path;
+    EXPECT_FALSE(File::OpenExclusive(path)) << path;
+    EXPECT_FALSE(File::CreateExclusive(path)) << path;
+    EXPECT_FALSE(File::OpenForAppend(path)) << path;
+    EXPECT_FALSE(File::Open(path, FileAccess::Write, FileSharing::None, FileCreation::CreateNew)) << path;
+  }
+  EXPECT_EQ(ReadFile(outside), "private");
+  EXPECT_FALSE(Exists(PathOf("created.txt")));
+  EXPECT_TRUE(std::filesystem::is_symlink(link)) << "the link itself stays as it was";
+
+  std::optional<File> followed = File::Open(link, FileAccess::Read, FileSharing::ReadWrite,
+                                            FileCreation::OpenExisting, FinalLink::Follow);
+  ASSERT_TRUE(followed);
+  EXPECT_EQ(followed->ReadAll(), "private");
 }
 
 }  // namespace

@@ -1,5 +1,6 @@
 // File handles of the POSIX backend. Windows sharing is kept with flock: an open without sharing
 // takes LOCK_EX, a shared open LOCK_SH, both non-blocking, so each fails where Windows would.
+// Opens never block and never go through a final link: a FIFO, device or link fails at once.
 #include <fcntl.h>
 #include <sys/file.h>
 #include <sys/stat.h>
@@ -20,8 +21,10 @@ int Descriptor(std::intptr_t handle) {
   return static_cast<int>(handle);
 }
 
-int OpenFlags(FileAccess access, FileCreation creation) {
-  int flags = O_CLOEXEC;
+// O_NONBLOCK: a FIFO would otherwise hold the open until a writer came; it is refused right after.
+int OpenFlags(FileAccess access, FileCreation creation, FinalLink finalLink) {
+  int flags = O_CLOEXEC | O_NONBLOCK | O_NOCTTY;
+  if (finalLink == FinalLink::Refuse) flags |= O_NOFOLLOW;
   switch (access) {
     case FileAccess::Read:
       flags |= O_RDONLY;
@@ -56,9 +59,12 @@ int OpenDescriptor(const std::string &nativePath, int flags) {
   return fd;
 }
 
-bool IsRegularFile(int fd) {
+// A plain file, then made blocking again so reads and writes behave as on any file.
+bool UsableFile(int fd) {
   struct stat info {};
-  return ::fstat(fd, &info) == 0 && !S_ISDIR(info.st_mode);
+  if (::fstat(fd, &info) != 0 || !S_ISREG(info.st_mode)) return false;
+  const int flags = ::fcntl(fd, F_GETFL);
+  return flags >= 0 && ::fcntl(fd, F_SETFL, flags & ~O_NONBLOCK) == 0;
 }
 
 bool Lock(int fd, int lockMode) {
@@ -72,7 +78,7 @@ bool Lock(int fd, int lockMode) {
 }  // namespace
 
 std::optional<File> File::Open(std::string_view path, FileAccess access, FileSharing sharing,
-                               FileCreation creation) {
+                               FileCreation creation, FinalLink finalLink) {
   if (FileOperationMustFail()) return std::nullopt;
   const std::string nativePath = ToNativePath(path);
   if (nativePath.empty()) return std::nullopt;
@@ -84,17 +90,18 @@ std::optional<File> File::Open(std::string_view path, FileAccess access, FileSha
   // open fail. A name that appears meanwhile is opened as existing, as Windows would.
   for (int attempt = 0; attempt < 3; ++attempt) {
     if (creation != FileCreation::CreateNew) {
-      const int fd = OpenDescriptor(nativePath, OpenFlags(access, FileCreation::OpenExisting));
+      const int fd = OpenDescriptor(nativePath, OpenFlags(access, FileCreation::OpenExisting, finalLink));
       if (fd >= 0) {
         File file(fd);
-        if (!IsRegularFile(fd) || !Lock(fd, lockMode)) return std::nullopt;
+        if (!UsableFile(fd) || !Lock(fd, lockMode)) return std::nullopt;
         if (creation == FileCreation::CreateAlways && ::ftruncate(fd, 0) != 0) return std::nullopt;
         return file;
       }
+      // ELOOP (a link) and ENXIO (a FIFO without a reader) end here, never in a create.
       if (errno != ENOENT || creation == FileCreation::OpenExisting) return std::nullopt;
     }
     const std::string temporary = TemporaryNameBeside(nativePath, "new");
-    const int fd = OpenDescriptor(temporary, OpenFlags(access, FileCreation::CreateNew));
+    const int fd = OpenDescriptor(temporary, OpenFlags(access, FileCreation::CreateNew, FinalLink::Refuse));
     if (fd < 0) return std::nullopt;
     File file(fd);
     const bool locked = Lock(fd, lockMode);
@@ -109,10 +116,10 @@ std::optional<File> File::Open(std::string_view path, FileAccess access, FileSha
       continue;
     }
     // A file system without hard links: create in place, with the short gap this avoids elsewhere.
-    const int direct = OpenDescriptor(nativePath, OpenFlags(access, creation));
+    const int direct = OpenDescriptor(nativePath, OpenFlags(access, creation, finalLink));
     if (direct < 0) return std::nullopt;
     File inPlace(direct);
-    if (!IsRegularFile(direct) || !Lock(direct, lockMode)) {
+    if (!UsableFile(direct) || !Lock(direct, lockMode)) {
       if (creation == FileCreation::CreateNew) ::unlink(nativePath.c_str());
       return std::nullopt;
     }

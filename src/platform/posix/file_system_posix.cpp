@@ -1,5 +1,6 @@
 // Directory and whole-file operations of the POSIX backend. Every failure is a false or empty
 // result; a failed copy removes its temporary file, so the target name never shows half a file.
+// Copies and moves take plain files only and never write through a link at the target.
 #include <dirent.h>
 #include <fcntl.h>
 #include <sys/file.h>
@@ -42,11 +43,14 @@ std::string_view LastComponent(std::string_view path) {
 }
 
 // True when some other open handle holds the file (with or without sharing), as Windows
-// refuses to delete or overwrite such a file.
+// refuses to delete or overwrite such a file. Only a plain file can be held: a link, FIFO or
+// device is not opened through, so probing one neither blocks nor touches what it leads to.
 bool HeldByAnother(const std::string &nativePath) {
-  const int fd = ::open(nativePath.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
+  const int fd = ::open(nativePath.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOFOLLOW | O_NOCTTY);
   if (fd < 0) return false;
-  const bool held = ::flock(fd, LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK;
+  struct stat info {};
+  const bool held = ::fstat(fd, &info) == 0 && S_ISREG(info.st_mode) && ::flock(fd, LOCK_EX | LOCK_NB) != 0 &&
+                    errno == EWOULDBLOCK;
   ::close(fd);
   return held;
 }
@@ -97,15 +101,24 @@ std::optional<std::uint64_t> CopyRange(File &from, int target, std::uint64_t len
 
 }  // namespace
 
+// What a directory entry is. A link describes what it leads to, as on Windows, but is never a
+// regular file; a link that leads nowhere is still listed, so that its name counts as taken.
+std::optional<EntryInfo> DescribeEntry(int directoryFd, const char *name, std::string shownName) {
+  struct stat itself {};
+  if (::fstatat(directoryFd, name, &itself, AT_SYMLINK_NOFOLLOW) != 0) return std::nullopt;
+  struct stat target {};
+  const bool isLink = S_ISLNK(itself.st_mode);
+  const bool followed = isLink && ::fstatat(directoryFd, name, &target, 0) == 0;
+  EntryInfo entry = InfoFromStat(std::move(shownName), followed ? target : itself);
+  entry.isRegularFile = S_ISREG(itself.st_mode);
+  return entry;
+}
+
 std::optional<EntryInfo> GetEntryInfo(std::string_view path) {
   if (path.empty() || IsSeparator(path.back())) return std::nullopt;
   const std::string nativePath = ToNativePath(path);
-  struct stat info {};
-  if (nativePath.empty() || ::stat(nativePath.c_str(), &info) != 0) return std::nullopt;
-  EntryInfo entry = InfoFromStat(std::string(LastComponent(path)), info);
-  struct stat itself {};
-  entry.isRegularFile = ::lstat(nativePath.c_str(), &itself) == 0 && S_ISREG(itself.st_mode);
-  return entry;
+  if (nativePath.empty()) return std::nullopt;
+  return DescribeEntry(AT_FDCWD, nativePath.c_str(), std::string(LastComponent(path)));
 }
 
 std::vector<EntryInfo> FindEntries(std::string_view pattern) {
@@ -124,12 +137,9 @@ std::vector<EntryInfo> FindEntries(std::string_view pattern) {
   const int directoryFd = ::dirfd(stream);
   while (const struct dirent *found = ::readdir(stream)) {
     if (!MatchesWildcard(found->d_name, namePattern)) continue;
-    struct stat info {};
-    if (::fstatat(directoryFd, found->d_name, &info, 0) != 0) continue;  // vanished or a broken link
-    entries.push_back(InfoFromStat(found->d_name, info));
-    struct stat itself {};
-    entries.back().isRegularFile =
-        ::fstatat(directoryFd, found->d_name, &itself, AT_SYMLINK_NOFOLLOW) == 0 && S_ISREG(itself.st_mode);
+    // One that vanished since the listing is simply not there.
+    if (std::optional<EntryInfo> entry = DescribeEntry(directoryFd, found->d_name, found->d_name))
+      entries.push_back(std::move(*entry));
   }
   ::closedir(stream);
   std::sort(entries.begin(), entries.end(), [](const EntryInfo &a, const EntryInfo &b) {
@@ -149,9 +159,11 @@ bool CopyFileTo(std::string_view source, std::string_view target, bool failIfExi
   if (nativeTarget.empty()) return false;
   std::optional<File> input = File::OpenShared(source);
   if (!input) return false;
+  // Only a plain file is replaced: a link planted at the target name is refused, not replaced,
+  // so a caller that checks the name afterwards never reads through it.
   struct stat existing {};
-  const bool targetExists = ::stat(nativeTarget.c_str(), &existing) == 0;
-  if (targetExists && (failIfExists || S_ISDIR(existing.st_mode) || HeldByAnother(nativeTarget)))
+  const bool targetExists = ::lstat(nativeTarget.c_str(), &existing) == 0;
+  if (targetExists && (failIfExists || !S_ISREG(existing.st_mode) || HeldByAnother(nativeTarget)))
     return false;
 
   // The copy is made under a temporary name and only then given the target name.
@@ -177,7 +189,8 @@ bool MoveFileTo(std::string_view source, std::string_view target) {
   const std::string from = ToNativePath(source);
   const std::string to = ToNativePath(target);
   struct stat info {};
-  if (from.empty() || to.empty() || ::lstat(from.c_str(), &info) != 0 || S_ISDIR(info.st_mode)) return false;
+  // A link would move as a link and lead the new name elsewhere: only plain files move.
+  if (from.empty() || to.empty() || ::lstat(from.c_str(), &info) != 0 || !S_ISREG(info.st_mode)) return false;
   if (HeldByAnother(from)) return false;
   // link() refuses an existing target, which rename() would replace.
   if (::link(from.c_str(), to.c_str()) != 0) return false;
@@ -185,6 +198,7 @@ bool MoveFileTo(std::string_view source, std::string_view target) {
   return true;
 }
 
+// A link goes itself, never what it leads to, so a planted one can be cleared out of the way.
 bool RemoveFile(std::string_view path) {
   if (FileOperationMustFail()) return false;
   const std::string nativePath = ToNativePath(path);

@@ -76,8 +76,12 @@ std::string ProfilePath(std::string_view file) {
   return path;
 }
 
+// Settings files are the administrator's, who may keep one elsewhere and link it into place, so
+// a final link is followed here; a FIFO or device still never opens. Voicemail descriptions, the
+// one kind read from a directory others write, reach here only after their pass found a plain file.
 std::optional<std::string> ReadWholeFile(std::string_view windowsPath) {
-  std::optional<File> file = File::OpenShared(windowsPath);
+  std::optional<File> file = File::Open(windowsPath, FileAccess::Read, FileSharing::ReadWrite,
+                                        FileCreation::OpenExisting, FinalLink::Follow);
   if (!file) return std::nullopt;
   return file->ReadAll();
 }

@@ -1,5 +1,6 @@
 // Directory and whole-file operations of the Win32 backend: FindFirstFileA/FindNextFileA,
-// CopyFileA, DeleteFileA and CreateDirectoryA. Every failure is a false or empty result.
+// CopyFileA, DeleteFileA and CreateDirectoryA. Every failure is a false or empty result. Copies
+// and moves go through no reparse point at either end.
 #include <windows.h>
 
 #include <string.h>
@@ -45,6 +46,18 @@ bool Unusable(std::string_view path) {
   return path.empty() || path.find('\0') != std::string_view::npos;
 }
 
+// A plain file: there, and neither a directory nor a reparse point (symbolic link or junction).
+bool IsPlainFile(const std::string &path) {
+  const DWORD attributes = ::GetFileAttributesA(path.c_str());
+  return attributes != INVALID_FILE_ATTRIBUTES &&
+         (attributes & (FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_REPARSE_POINT)) == 0;
+}
+
+// Nothing under the name, or a plain file: what a copy may replace.
+bool MissingOrPlainFile(const std::string &path) {
+  return ::GetFileAttributesA(path.c_str()) == INVALID_FILE_ATTRIBUTES || IsPlainFile(path);
+}
+
 std::vector<EntryInfo> FindAll(const std::string &pattern) {
   std::vector<EntryInfo> entries;
   WIN32_FIND_DATAA found{};
@@ -88,6 +101,8 @@ bool CopyFileTo(std::string_view source, std::string_view target, bool failIfExi
   if (Unusable(source) || Unusable(target)) return false;
   const std::string from(source);
   const std::string to(target);
+  // CopyFileA reads through a link at the source and writes through one at the target.
+  if (!IsPlainFile(from) || !MissingOrPlainFile(to)) return false;
   return ::CopyFileA(from.c_str(), to.c_str(), failIfExists ? TRUE : FALSE) != 0;
 }
 
@@ -112,9 +127,12 @@ bool MoveFileTo(std::string_view source, std::string_view target) {
   if (Unusable(source) || Unusable(target)) return false;
   const std::string from(source);
   const std::string to(target);
+  // A link would move as a link and lead the new name elsewhere: only plain files move.
+  if (!IsPlainFile(from)) return false;
   return ::MoveFileA(from.c_str(), to.c_str()) != 0;
 }
 
+// DeleteFileA removes a link itself, never what it leads to.
 bool RemoveFile(std::string_view path) {
   if (FileOperationMustFail()) return false;
   if (Unusable(path)) return false;

@@ -1,5 +1,6 @@
 // File handles of the Win32 backend: CreateFileA with the share mode the caller asks for (0 for
-// no sharing), so Windows itself refuses an open that would meet another handle's sharing.
+// no sharing), so Windows itself refuses an open that would meet another handle's sharing. Only a
+// handle to a plain disk file is kept: a reparse point, a device name or a pipe is closed again.
 #include <windows.h>
 
 #include <algorithm>
@@ -42,18 +43,43 @@ DWORD Disposition(FileCreation creation) {
   return OPEN_ALWAYS;
 }
 
+// The attributes that rule a name out before it is opened: a directory, and a reparse point
+// (symbolic link or junction) unless the caller follows links.
+DWORD RefusedAttributes(FinalLink finalLink) {
+  return FILE_ATTRIBUTE_DIRECTORY | (finalLink == FinalLink::Refuse ? FILE_ATTRIBUTE_REPARSE_POINT : 0);
+}
+
+// A handle to what the caller may use: a file on a disk (not CON, NUL, COM1 or a pipe), not a
+// directory, and not a reparse point itself.
+bool UsableHandle(HANDLE handle, FinalLink finalLink) {
+  if (::GetFileType(handle) != FILE_TYPE_DISK) return false;
+  BY_HANDLE_FILE_INFORMATION info{};
+  return ::GetFileInformationByHandle(handle, &info) &&
+         (info.dwFileAttributes & RefusedAttributes(finalLink)) == 0;
+}
+
 }  // namespace
 
 std::optional<File> File::Open(std::string_view path, FileAccess access, FileSharing sharing,
-                               FileCreation creation) {
+                               FileCreation creation, FinalLink finalLink) {
   if (FileOperationMustFail()) return std::nullopt;
   const std::string name(path);
   if (name.empty() || name.find('\0') != std::string::npos) return std::nullopt;
+  // Checked before the open as well: CREATE_ALWAYS would empty what it opened before the handle
+  // could be looked at.
+  const DWORD existing = ::GetFileAttributesA(name.c_str());
+  if (existing != INVALID_FILE_ATTRIBUTES && (existing & RefusedAttributes(finalLink)) != 0)
+    return std::nullopt;
   const DWORD share = sharing == FileSharing::None ? 0 : FILE_SHARE_READ | FILE_SHARE_WRITE;
+  // With the flag, a link that appears after the check is opened as itself, never what it names.
+  const DWORD flags =
+      FILE_ATTRIBUTE_NORMAL | (finalLink == FinalLink::Refuse ? FILE_FLAG_OPEN_REPARSE_POINT : 0);
   HANDLE handle = ::CreateFileA(name.c_str(), DesiredAccess(access), share, nullptr, Disposition(creation),
-                                FILE_ATTRIBUTE_NORMAL, nullptr);
+                                flags, nullptr);
   if (handle == INVALID_HANDLE_VALUE) return std::nullopt;
-  return File(reinterpret_cast<std::intptr_t>(handle));
+  File file(reinterpret_cast<std::intptr_t>(handle));
+  if (!UsableHandle(handle, finalLink)) return std::nullopt;
+  return file;
 }
 
 void File::Close() noexcept {

@@ -1,0 +1,161 @@
+// Files that anyone who may write the shared directories can plant there: FIFOs, links to devices,
+// links to private files, links at the names the library is about to write.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <array>
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "common/job_record.h"
+#include "host/entry_points.h"
+#include "platform/clock.h"
+#include "platform/special_files.h"
+#include "support/installation.h"
+#include "support/platform_backend.h"
+
+namespace tqv {
+namespace {
+
+namespace fs = std::filesystem;
+
+class SharedDirectoriesSecurity : public testing::InstallationTest {
+ protected:
+  void SetUp() override {
+    InstallationTest::SetUp();
+    WriteFile(ProductDir() + "/tqstring.ini",
+              "[English]\r\nT720=Unknown option %s\r\nT900=OK: \r\nT901=Failed: \r\nT4400=New voicemail\r\n");
+    fs::create_directories(ProductDir() + "/COVER");
+    WriteFile(ProductDir() + "/COVER/memo.rtf", "{\\rtf memo}");
+    WriteFile(ProductDir() + "/tqvadmin.ini",
+              "[Recipient List]\r\nann@example.com=Ann\r\n[Recipients Properties]\r\nann@example.com=7425\r\n"
+              "[VoiceMail]\r\nann@example.com=0012\r\n[ann@example.com]\r\nT_00000=TEMPLATE," +
+                  ProductDir() + "/COVER/memo.rtf\r\nDefaultTemplate=TEMPLATE\r\n");
+    for (const std::string &directory : {TextDir(), VoiceDir(), Outside("")})
+      fs::create_directories(directory);
+    platform::SetTickCountSource([this] { return tick_; });
+    ASSERT_EQ(host::Initialise(1, TextDir().c_str()), 0);
+  }
+
+  std::string TextDir() const { return PathOf("text"); }
+  std::string VoiceDir() const { return PathOf("product/VOICE"); }
+  // Where the attacker's links lead: files of the service's user outside every shared directory.
+  std::string Outside(const std::string &name) const { return PathOf("private/" + name); }
+
+  // One scan call with its conversion passes.
+  void Scan() {
+    tick_ += 20000;
+    std::array<unsigned char, kJobRecordSize> buffer{};
+    host::Scan(0, buffer.data());
+  }
+
+  static bool IsLink(const std::string &path) { return fs::is_symlink(fs::symlink_status(path)); }
+
+  std::vector<std::string> SkipNotices() const {
+    std::vector<std::string> notices;
+    for (const std::string &event : Events())
+      if (event.find("not a plain file") != std::string::npos) notices.push_back(event);
+    return notices;
+  }
+
+ private:
+  std::uint32_t tick_ = 1000;
+};
+
+constexpr const char *kMessage =
+    "File Type:\r\nMAIL FROM:ann@example.com\r\nRCPT TO:089 123 456@fax\r\nSubject:Order\r\n"
+    "----beginbody:4\r\nText\r\n----endbody\r\n";
+
+// A FIFO blocks an open until its other end is opened, /dev/zero never ends: either would stop
+// the scan for good. The scan runs in a child process that an alarm ends, so a hang fails here.
+TEST_F(SharedDirectoriesSecurity, SpecialFilesNeverHoldUpTheScanAndWhatFollowsIsStillTaken) {
+  TQV_SKIP_ON_WIN32("FIFOs and /dev/zero are POSIX files");
+  const std::vector<std::string> fifos = {GatewayOut() + "/MSG00001.TMP", TextDir() + "/A.TXT",
+                                          VoiceDir() + "/00120001.ID"};
+  const std::vector<std::string> zeros = {GatewayOut() + "/MSG00002.TMP", TextDir() + "/B.TXT",
+                                          VoiceDir() + "/00120002.ID"};
+  for (const std::string &fifo : fifos)
+    ASSERT_TRUE(testing::MakeFifo(fifo));
+  for (const std::string &zero : zeros)
+    fs::create_symlink("/dev/zero", zero);
+  WriteFile(TextDir() + "/ORDER.TXT", "::0711 42\r\nText\r\n");
+
+  EXPECT_EQ(testing::ExitCodeOfGuarded([this] {
+              Scan();
+              return 0;
+            }),
+            0)
+      << "the scan hung";
+  EXPECT_EQ(PendingJobs().size(), 1u) << "the text file after the special ones was converted all the same";
+  for (const std::string &fifo : fifos)
+    EXPECT_TRUE(fs::is_fifo(fifo)) << fifo;
+  for (const std::string &zero : zeros)
+    EXPECT_TRUE(IsLink(zero)) << zero;
+}
+
+// Today's victim would be any file the service can read: mailed out as a message, faxed as a text
+// file, read as a voicemail description. Each link is left where it is and reported once.
+TEST_F(SharedDirectoriesSecurity, LinksInInputDirectoriesAreLeftAloneAndNoticedOnceEach) {
+  TQV_SKIP_ON_WIN32("links need privileges on Windows");
+  const std::vector<std::pair<std::string, std::string>> planted = {
+      {GatewayOut() + "/MSG00001.TMP", kMessage},
+      {TextDir() + "/ORDER.TXT", "::0711 42\r\nSecret\r\n"},
+      {VoiceDir() + "/00120005.ID", "[Info]\r\nDuration=3\r\nDigits=4711\r\n"},
+  };
+  for (std::size_t i = 0; i < planted.size(); ++i) {
+    WriteFile(Outside(std::to_string(i)), planted[i].second);
+    fs::create_symlink(Outside(std::to_string(i)), planted[i].first);
+  }
+  Scan();
+  Scan();
+
+  EXPECT_TRUE(PendingJobs().empty());
+  EXPECT_TRUE(Messages().empty());
+  for (std::size_t i = 0; i < planted.size(); ++i) {
+    EXPECT_TRUE(IsLink(planted[i].first)) << planted[i].first;
+    EXPECT_EQ(ReadFile(Outside(std::to_string(i))), planted[i].second);
+  }
+  const std::vector<std::string> notices = SkipNotices();
+  ASSERT_EQ(notices.size(), planted.size()) << "one warning per link, not one per scan";
+  for (const char *name : {"MSG00001.TMP", "ORDER.TXT", "00120005.ID"}) {
+    EXPECT_EQ(std::count_if(notices.begin(), notices.end(),
+                            [&](const std::string &notice) {
+                              return notice.starts_with("2\t") && notice.find(name) != std::string::npos;
+                            }),
+              1)
+        << name;
+  }
+}
+
+// A link waiting at the name of an error file, a gateway message or a result file: the library's
+// write must not go through it, whether its target exists or not.
+TEST_F(SharedDirectoriesSecurity, ALinkAtANameTheLibraryWritesLeavesWhatItLeadsToAlone) {
+  TQV_SKIP_ON_WIN32("links need privileges on Windows");
+  WriteFile(Outside("error-victim"), "untouched");
+  fs::create_symlink(Outside("error-victim"), TextDir() + "/BAD.ERR");
+  WriteFile(TextDir() + "/BAD.TXT", "::S\r\nText\r\n");  // an unknown option: an error file is due
+  WriteFile(Outside("message-victim"), "untouched");
+  for (int id = 0; id < 4; ++id)  // the first gateway message numbers of a new installation
+    fs::create_symlink(Outside("message-victim"), GatewayIn() + "/SGW" + std::to_string(id) + ".TMP");
+  WriteFile(VoiceDir() + "/00120005.ID", "[Info]\r\nDuration=3\r\n");
+  WriteFile(VoiceDir() + "/00120005.PCM", "pcm");
+  fs::create_symlink(Outside("created-by-result"), TextDir() + "/ORDER.OK");
+  WriteFile(TextDir() + "/ORDER.TXT", "::0711 42\r\nOrder text\r\n");
+  Scan();
+
+  std::array<unsigned char, kJobRecordSize> buffer{};
+  ASSERT_EQ(host::Scan(1, buffer.data()), 1);
+  host::ScannedEventAccepted(buffer.data());
+  JobRecordView(buffer.data()).SetNumber(job::Status, kStatusDelivered);
+  host::FaxSent(buffer.data());
+
+  EXPECT_EQ(ReadFile(Outside("error-victim")), "untouched");
+  EXPECT_EQ(ReadFile(Outside("message-victim")), "untouched");
+  EXPECT_FALSE(Exists(Outside("created-by-result")));
+  EXPECT_NE(ReadFile(TextDir() + "/ORDER1.OK").find("Order text"), std::string::npos)
+      << "the result takes the next free name";
+}
+
+}  // namespace
+}  // namespace tqv
