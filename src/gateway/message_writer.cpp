@@ -21,6 +21,8 @@ constexpr std::string_view kLineEnd = "\r\n";
 constexpr std::size_t kFlushSize = 64 * 1024;
 constexpr std::string_view kFileNamePrefix = "SGW";
 constexpr std::string_view kFileNameExtension = ".TMP";
+// Names taken by links or special files that one message passes over before it gives up.
+constexpr int kTakenNamesPassedOver = 64;
 constexpr std::string_view kMessageClass = "IPM.NOTE";
 constexpr std::string_view kNormal = "Normal";
 
@@ -89,15 +91,21 @@ bool IsAttachable(std::string_view path) {
 bool MessageWriter::Create(GatewayDirection direction) {
   if (file_ || !recipients_.empty()) return false;
   const ServiceState &service = CurrentService();
-  std::string path =
+  std::string directory =
       direction == GatewayDirection::In ? service.gatewayInDirectory : service.gatewayOutDirectory;
-  AppendBackslash(path);
-  path += kFileNamePrefix;
-  path += std::to_string(NextMessageId());
-  path += kFileNameExtension;
-  CutText(path, kMaxPath);
-
-  file_ = platform::File::CreateExclusive(path);
+  AppendBackslash(directory);
+  std::string path;
+  // A link, special file or directory that someone left under the next name is passed over, never
+  // written through; a plain file there is a message not yet taken and is replaced as before.
+  for (int attempt = 0; !file_ && attempt < kTakenNamesPassedOver; ++attempt) {
+    path = directory + std::string(kFileNamePrefix) + std::to_string(NextMessageId()) +
+           std::string(kFileNameExtension);
+    CutText(path, kMaxPath);
+    file_ = platform::File::CreateExclusive(path);
+    if (file_) break;
+    const std::optional<platform::EntryInfo> taken = platform::GetEntryInfo(path);
+    if (!taken || taken->isRegularFile) return false;
+  }
   if (!file_) return false;
   path_ = path;
   headersWritten_ = false;

@@ -11,6 +11,7 @@
 #include "config/settings_files.h"
 #include "diag/file_notices.h"
 #include "diag/log_message.h"
+#include "diag/special_file_notice.h"
 #include "platform/clock.h"
 #include "platform/event_log.h"
 #include "platform/file_system.h"
@@ -85,6 +86,10 @@ bool SelectPendingJob(std::int32_t dueJobsFlag, std::string_view pendingDirector
     if (entry.isDirectory) continue;
     std::string path = directory + entry.name;
     CutText(path, kMaxPath);
+    if (!entry.isRegularFile) {
+      NoticeSpecialFile(path);
+      continue;
+    }
     std::optional<JobRecord> record = ReadJobFile(path);
     if (!record) continue;
     const JobRecordView job = record->View();

@@ -59,7 +59,17 @@ class SharedDirectoriesSecurity : public testing::InstallationTest {
     return notices;
   }
 
- private:
+  // A due job that names itself: whole and valid, so only its being a link keeps it back.
+  static JobRecord ForgedJob(const std::string &jobFile) {
+    JobRecord record = JobRecord::WithTag(kFaxJobTag);
+    JobRecordView job = record.View();
+    job.SetText(job::JobFile, jobFile);
+    job.SetText(job::SenderEmail, "ann@example.com");
+    job.SetText(job::FaxNumber, "0711 666");
+    job.SetNumber(job::SkipQueue, 1u);
+    return record;
+  }
+
   std::uint32_t tick_ = 1000;
 };
 
@@ -102,15 +112,19 @@ TEST_F(SharedDirectoriesSecurity, LinksInInputDirectoriesAreLeftAloneAndNoticedO
       {GatewayOut() + "/MSG00001.TMP", kMessage},
       {TextDir() + "/ORDER.TXT", "::0711 42\r\nSecret\r\n"},
       {VoiceDir() + "/00120005.ID", "[Info]\r\nDuration=3\r\nDigits=4711\r\n"},
+      {Native(PendingDir()) + "/00000001.TQV",
+       std::string(ForgedJob(PendingDir() + "\\00000001.TQV").Bytes())},
   };
   for (std::size_t i = 0; i < planted.size(); ++i) {
     WriteFile(Outside(std::to_string(i)), planted[i].second);
     fs::create_symlink(Outside(std::to_string(i)), planted[i].first);
   }
-  Scan();
-  Scan();
+  std::array<unsigned char, kJobRecordSize> buffer{};
+  for (int scan = 0; scan < 2; ++scan) {
+    tick_ += 20000;
+    EXPECT_EQ(host::Scan(1, buffer.data()), 0) << "a job file that is a link is never handed out";
+  }
 
-  EXPECT_TRUE(PendingJobs().empty());
   EXPECT_TRUE(Messages().empty());
   for (std::size_t i = 0; i < planted.size(); ++i) {
     EXPECT_TRUE(IsLink(planted[i].first)) << planted[i].first;
@@ -118,7 +132,7 @@ TEST_F(SharedDirectoriesSecurity, LinksInInputDirectoriesAreLeftAloneAndNoticedO
   }
   const std::vector<std::string> notices = SkipNotices();
   ASSERT_EQ(notices.size(), planted.size()) << "one warning per link, not one per scan";
-  for (const char *name : {"MSG00001.TMP", "ORDER.TXT", "00120005.ID"}) {
+  for (const char *name : {"MSG00001.TMP", "ORDER.TXT", "00120005.ID", "00000001.TQV"}) {
     EXPECT_EQ(std::count_if(notices.begin(), notices.end(),
                             [&](const std::string &notice) {
                               return notice.starts_with("2\t") && notice.find(name) != std::string::npos;
@@ -153,6 +167,11 @@ TEST_F(SharedDirectoriesSecurity, ALinkAtANameTheLibraryWritesLeavesWhatItLeadsT
   EXPECT_EQ(ReadFile(Outside("error-victim")), "untouched");
   EXPECT_EQ(ReadFile(Outside("message-victim")), "untouched");
   EXPECT_FALSE(Exists(Outside("created-by-result")));
+  // Messages still go out, under the next names that no link has taken.
+  std::size_t written = 0;
+  for (const fs::directory_entry &entry : fs::directory_iterator(GatewayIn()))
+    written += entry.is_symlink() ? 0 : 1;
+  EXPECT_EQ(written, 1u) << "the voicemail notice";
   EXPECT_NE(ReadFile(TextDir() + "/ORDER1.OK").find("Order text"), std::string::npos)
       << "the result takes the next free name";
 }
