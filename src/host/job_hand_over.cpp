@@ -22,10 +22,13 @@ namespace tqv::host {
 int FaxPending(void *jobBuffer) {
   if (jobBuffer == nullptr || CurrentService().pendingDirectory.empty()) return -1;
   const std::string path = MakeUniqueName(CurrentService().pendingDirectory, kJobFileExtension);
-  JobRecordView job(jobBuffer);
-  // Everything but the job file's name is stored as the host left it.
-  job.SetText(job::JobFile, path);
-  return WriteJobFile(path, JobRecord::CopyOf(jobBuffer)) ? 0 : -1;
+  // Everything but the job file's name is stored as the host left it. The host's record changes
+  // only once the job file holds it: on a failure it is still the host's only copy.
+  JobRecord stored = JobRecord::CopyOf(jobBuffer);
+  stored.View().SetText(job::JobFile, path);
+  if (!WriteJobFile(path, stored)) return -1;
+  JobRecordView(jobBuffer).SetText(job::JobFile, path);
+  return 0;
 }
 
 int ScannedEventAccepted(void *jobBuffer) {

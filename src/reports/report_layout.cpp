@@ -25,7 +25,7 @@ constexpr std::string_view kLineEnd = "\r\n";
 constexpr const char *kFieldLabelFormat = "%-20.20s: ";
 // Where a value is not shown.
 constexpr std::string_view kPlaceholder = " ";
-// Labels and titles are looked up with this room.
+// Labels are looked up with this room; titles are whole texts of the string file.
 constexpr std::size_t kLabelRoom = 255;
 constexpr const char *kDurationFormat = "%02d:%02d";
 constexpr const char *kVoicemailSizeFormat = "%ld bytes";
@@ -61,7 +61,7 @@ constexpr std::array<std::string_view, 6> kSpeedTexts = {"2400 bps", "4800 bps",
 void AppendTitle(std::string &text, int titleNumber) {
   text += kBanner;
   text += kLineEnd;
-  text += LookupString(titleNumber, kLabelRoom);
+  text += GetString(titleNumber);
   text += kLineEnd;
   text += kBanner;
   text += kLineEnd;

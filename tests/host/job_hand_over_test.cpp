@@ -69,10 +69,15 @@ TEST_F(HandOver, PendingJobComesBackFromScanAndIsTakenOver) {
 }
 
 TEST_F(HandOver, PendingFailsWhenNoJobFileCanBeCreated) {
+  JobRecord job = JobRecord::WithTag(kFaxJobTag);
+  job.View().SetText(job::JobFile, "C:\\OLD\\00000001.TQV");
   std::array<unsigned char, kJobRecordSize> hostBuffer{};
+  job.CopyTo(hostBuffer.data());
   std::filesystem::remove_all(PathOf("gw/out/PENDING"));
   EXPECT_EQ(host::FaxPending(hostBuffer.data()), -1);
-  EXPECT_TRUE(Events().empty()) << "the host keeps the only copy; no event";
+  EXPECT_EQ(std::string_view(reinterpret_cast<char *>(hostBuffer.data()), kJobRecordSize), job.Bytes())
+      << "the host's only copy is left exactly as it was handed in";
+  EXPECT_TRUE(Events().empty()) << "no event";
   EXPECT_EQ(host::FaxPending(nullptr), -1);
 }
 

@@ -121,5 +121,19 @@ TEST_F(ReportLayout, GarbageRecordsAndLongTextsStayWithinTheBodyRoom) {
   EXPECT_TRUE(report.ends_with("ppp"));
 }
 
+// Titles are whole texts of the string file, not cut to the room of a field label.
+TEST_F(ReportLayout, TitlesAreWholeTextsOfTheStringFile) {
+  const std::string sentTitle(400, 't'), voicemailTitle(510, 'v');
+  WriteFile(ProductDir() + "/tqstring.ini",
+            "[English]\r\nT620=" + sentTitle + "\r\nT650=" + voicemailTitle + "\r\n");
+  JobRecord job = JobRecord::WithTag(kFaxJobTag);
+  EXPECT_NE(FormatSentReport(job.View()).find("\r\n" + sentTitle + "\r\n"), std::string::npos);
+  std::array<unsigned char, kReceiveTouchedSize> received{};
+  EXPECT_NE(FormatReceivedReport(ReceiveRecordView(received.data())).find("\r\n" + sentTitle + "\r\n"),
+            std::string::npos);
+  EXPECT_NE(FormatVoicemailReport(12, 5, 0, 16000, "").find("\r\n" + voicemailTitle + "\r\n"),
+            std::string::npos);
+}
+
 }  // namespace
 }  // namespace tqv
