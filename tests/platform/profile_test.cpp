@@ -42,7 +42,7 @@ TEST_F(Profile, WritesKeepOtherLinesAndReadBack) {
   if (!tqv::testing::kWin32Backend) {
     EXPECT_EQ(ReadFile(path),
               "; Administration\r\n[Users]\r\nALICE=8000\r\nbob=\"1\"\r\ncarol='quoted'\r\n\r\n; tail\r\n"
-              "[Other]\r\nx=1\r\n\r\n[New Section]\r\nkey= spaced \r\n");
+              "[Other]\r\nx=1\r\n[New Section]\r\nkey= spaced \r\n");
   }
   EXPECT_EQ(ReadString("users", "carol", path), "quoted");
   EXPECT_EQ(ReadString("new section", "key", path), "spaced");
