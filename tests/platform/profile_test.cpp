@@ -4,6 +4,7 @@
 
 #include <chrono>
 #include <filesystem>
+#include <thread>
 
 #include "platform/fault_injection.h"
 #include "platform/regional_settings.h"
@@ -174,6 +175,13 @@ TEST_F(Profile, RepeatedReadsTouchNoFileButChangesAreSeen) {
   WriteFile(path, "[s]\nk=new\n");
   SetModifiedTime(path, 1000000001);
   EXPECT_EQ(ReadString("s", "k", path), "new");
+
+  // Same size, rewritten in place with the modification time put back, as cp -p does: only the
+  // change time tells. The pause lets a coarse file-system clock move on.
+  std::this_thread::sleep_for(std::chrono::milliseconds(30));
+  WriteFile(path, "[s]\nk=cpp\n");
+  SetModifiedTime(path, 1000000001);
+  EXPECT_EQ(ReadString("s", "k", path), "cpp");
 
   // Same size and modification time, but another file renamed over it.
   const std::string replacement = PathOf("replacement.ini");

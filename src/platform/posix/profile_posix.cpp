@@ -25,16 +25,24 @@ namespace {
 // Enough for every profile file the system reads; beyond it the cache starts afresh.
 constexpr std::size_t kMaxCachedProfiles = 64;
 
-// What tells that a file on disk is no longer the one parsed.
+// What tells that a file on disk is no longer the one parsed. The change time catches a rewrite
+// in place that puts the modification time back (cp -p, touch -d); the inode, a file renamed over.
 struct FileStamp {
   dev_t device = 0;
   ino_t inode = 0;
   off_t size = 0;
   time_t modifiedSeconds = 0;
   long modifiedNanoseconds = 0;
+  time_t changedSeconds = 0;
+  long changedNanoseconds = 0;
 
   bool operator==(const FileStamp &) const = default;
 };
+
+FileStamp StampFrom(const struct stat &info) {
+  return FileStamp{info.st_dev,          info.st_ino,         info.st_size,        info.st_mtim.tv_sec,
+                   info.st_mtim.tv_nsec, info.st_ctim.tv_sec, info.st_ctim.tv_nsec};
+}
 
 struct CachedProfile {
   FileStamp stamp;
@@ -64,7 +72,7 @@ const std::shared_ptr<const IniDocument> &EmptyDocument() {
 std::optional<FileStamp> StampOf(const std::string &nativePath) {
   struct stat info {};
   if (::stat(nativePath.c_str(), &info) != 0 || !S_ISREG(info.st_mode)) return std::nullopt;
-  return FileStamp{info.st_dev, info.st_ino, info.st_size, info.st_mtim.tv_sec, info.st_mtim.tv_nsec};
+  return StampFrom(info);
 }
 
 // A file named without any directory or drive lives in the Windows directory.
@@ -186,12 +194,15 @@ bool ReplaceFile(const std::string &windowsPath, const std::string &nativePath, 
     return false;
   }
   if (mode) ::chmod(temporaryNative.c_str(), *mode & 07777);  // a default mode is no reason to fail
-  // A rename keeps the inode, so this is the target's stamp until someone else writes it.
-  writtenStamp = StampOf(temporaryNative);
+  const std::optional<FileStamp> madeStamp = StampOf(temporaryNative);
   if (::rename(temporaryNative.c_str(), nativePath.c_str()) != 0) {
     ::unlink(temporaryNative.c_str());
     return false;
   }
+  // The rename sets the change time, so the stamp is taken after it; the inode tells that the
+  // file stamped is still the one made.
+  writtenStamp = StampOf(nativePath);
+  if (!madeStamp || !writtenStamp || writtenStamp->inode != madeStamp->inode) writtenStamp.reset();
   return true;
 }
 
@@ -250,9 +261,8 @@ bool ProfileWriteString(std::string_view section, std::optional<std::string_view
   struct stat info {};
   if (::stat(nativePath.c_str(), &info) == 0) {
     if (!S_ISREG(info.st_mode)) return false;
-    const FileStamp stamp{info.st_dev, info.st_ino, info.st_size, info.st_mtim.tv_sec, info.st_mtim.tv_nsec};
     if (const auto found = cache.entries.find(nativePath);
-        found != cache.entries.end() && found->second.stamp == stamp) {
+        found != cache.entries.end() && found->second.stamp == StampFrom(info)) {
       current = found->second.bytes;
     } else {
       std::optional<std::string> bytes = ReadWholeFile(windowsPath);
