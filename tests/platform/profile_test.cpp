@@ -213,6 +213,31 @@ TEST_F(Profile, ACallScopeSeesEachFileAsFirstReadWithItsOwnWrites) {
   EXPECT_EQ(ReadString("s", "k", path), "changed elsewhere");
 }
 
+TEST_F(Profile, AMissingNameFindsAFileSpelledOtherwise) {
+  TQV_SKIP_ON_WIN32("Windows file names ignore case by themselves");
+  // As a copy from Windows names them: the library asks for WIN.INI and TQVMSERV.INI.
+  WriteFile(WinDir() + "/win.ini", "[intl]\nsShortDate=dd.MM.yyyy\n");
+  std::filesystem::create_directory(WinDir() + "/Corvanta");
+  WriteFile(WinDir() + "/Corvanta/tqvmserv.ini", "[Corvanta]\nDirectory=C:\\TQV\n");
+  EXPECT_EQ(ReadRegionalSetting("sShortDate"), "dd.MM.yyyy");
+  EXPECT_EQ(ReadString("Corvanta", "Directory", WinDir() + "\\Corvanta\\TQVMSERV.INI"), "C:\\TQV");
+
+  // A write goes to the file found, and makes no second one.
+  const std::string config = PathOf("TqvConfg.INI");
+  WriteFile(config, "[Misc]\nLanguage=de\n");
+  ASSERT_TRUE(ProfileWriteString("Misc", "MailSystem", "SMTP", PathOf("tqvconfg.ini")));
+  EXPECT_EQ(ReadFile(config), "[Misc]\r\nLanguage=de\r\nMailSystem=SMTP\r\n");
+  EXPECT_FALSE(Exists(PathOf("tqvconfg.ini")));
+
+  // The exact name wins; a name nothing has is made as asked for.
+  WriteFile(PathOf("tqvconfg.ini"), "[Misc]\nLanguage=en\n");
+  EXPECT_EQ(ReadString("misc", "language", PathOf("tqvconfg.ini")), "en");
+  ASSERT_TRUE(ProfileWriteString("s", "k", "v", PathOf("TQVADDR.INI")));
+  EXPECT_EQ(FileNames(Dir()), (std::vector<std::string>{"TQVADDR.INI", "TqvConfg.INI", "tqvconfg.ini"}));
+  // Only the name is matched so; the directories on the way are as given.
+  EXPECT_EQ(ReadString("Corvanta", "Directory", WinDir() + "\\CORVANTA\\TQVMSERV.INI"), "");
+}
+
 TEST_F(RegionalSettings, ReadsIntlOfWinIni) {
   TQV_SKIP_ON_WIN32("Windows reads the registry");
   EXPECT_EQ(ReadRegionalSetting("sShortDate"), std::nullopt) << "no WIN.INI";
