@@ -58,16 +58,17 @@ bool IniDocument::NameLess::operator()(std::string_view left, std::string_view r
 }
 
 IniDocument::IniDocument(std::string_view bytes) {
+  // CR, LF and CR LF each end a line, in any mix: a file saved with old Mac line ends is as
+  // many lines to a Windows reader as it shows.
   std::size_t start = 0;
   while (start < bytes.size()) {
-    const std::size_t end = bytes.find('\n', start);
-    std::string_view line =
-        bytes.substr(start, end == std::string_view::npos ? std::string_view::npos : end - start);
-    while (!line.empty() && line.back() == '\r')
-      line.remove_suffix(1);
-    lines_.push_back(ParseLine(std::string(line)));
-    if (end == std::string_view::npos) break;
-    start = end + 1;
+    const std::size_t end = bytes.find_first_of("\r\n", start);
+    if (end == std::string_view::npos) {
+      lines_.push_back(ParseLine(std::string(bytes.substr(start))));
+      break;
+    }
+    lines_.push_back(ParseLine(std::string(bytes.substr(start, end - start))));
+    start = end + (bytes[end] == '\r' && end + 1 < bytes.size() && bytes[end + 1] == '\n' ? 2 : 1);
   }
   Reindex();
 }
@@ -80,16 +81,15 @@ IniDocument::Line IniDocument::ParseLine(std::string raw) {
   if (text.front() == '[') {
     const std::string_view inside = text.substr(1);
     line.kind = LineKind::Section;
-    line.name = TrimBlanks(inside.substr(0, inside.find(']')));
+    // The name runs to the last ']', so "[a]b]" is section "a]b"; without one, to the line end.
+    line.name = TrimBlanks(inside.substr(0, inside.rfind(']')));
   } else if (text.front() == ';') {
     line.kind = LineKind::Comment;
   } else if (const std::size_t equals = text.find('='); equals != std::string_view::npos) {
-    const std::string_view key = TrimBlanks(text.substr(0, equals));
-    if (!key.empty()) {
-      line.kind = LineKind::Key;
-      line.name = key;
-      line.value = Unquote(TrimBlanks(text.substr(equals + 1)));
-    }
+    // "=value" is a key too, with an empty name.
+    line.kind = LineKind::Key;
+    line.name = TrimBlanks(text.substr(0, equals));
+    line.value = Unquote(TrimBlanks(text.substr(equals + 1)));
   }
   return line;
 }
@@ -154,8 +154,12 @@ bool IniDocument::SetValue(std::string_view section, std::string_view key, std::
   const std::string keyName = NormalizeName(key);
   const std::string text(value.substr(0, value.find_first_of(std::string_view("\0\r\n", 3))));
 
+  // A line break would end the header or key line early and start a line of the caller's choice.
+  // A key without a name reads back, but the system's own function refuses to write one.
+  if (keyName.empty() || sectionName.find_first_of("\r\n") != std::string::npos ||
+      keyName.find_first_of("\r\n") != std::string::npos)
+    return false;
   Line header = ParseLine("[" + sectionName + "]");
-  if (!SameName(header.name, sectionName)) return false;
   const SectionIndex *index = FindSection(sectionName);
   if (index != nullptr) {
     const auto found = index->keys.find(keyName);
@@ -172,7 +176,7 @@ bool IniDocument::SetValue(std::string_view section, std::string_view key, std::
   if (index != nullptr) {
     lines_.insert(lines_.begin() + static_cast<std::ptrdiff_t>(index->lastKeyLine + 1), std::move(keyLine));
   } else {
-    if (!lines_.empty() && !lines_.back().raw.empty()) lines_.emplace_back();
+    // Straight after the last line, with no blank line between: the bytes Windows writes.
     lines_.push_back(std::move(header));
     lines_.push_back(std::move(keyLine));
   }

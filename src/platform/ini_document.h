@@ -15,7 +15,7 @@ namespace tqv::platform {
 class IniDocument {
  public:
   IniDocument() = default;
-  // Lines end at LF; trailing CRs are dropped; a NUL ends what is read of its line.
+  // A line ends at CR, LF or CR LF; a NUL ends what is read of its line.
   explicit IniDocument(std::string_view bytes);
 
   // The indexes point into the lines, so a copy would point into its source; moves are safe.
@@ -35,10 +35,10 @@ class IniDocument {
   // The section names in file order, each once, as spelled in the file.
   std::vector<std::string_view> SectionNames() const;
 
-  // Replaces the key's line by "key=value", or appends the key to its section, or appends the
-  // section at the end. The value ends at its first line break. False, with nothing changed, when
-  // the names could not be read back (an empty key, a key with '=' or starting with '[' or ';',
-  // a section with ']').
+  // Replaces the key's line by "key=value", or appends the key after the last key of its section,
+  // or appends the section after the last line. The value ends at its first line break. False,
+  // with nothing changed, for an empty key and for names that could not be read back (a name with
+  // a line break, a key with '=' or starting with '[' or ';').
   bool SetValue(std::string_view section, std::string_view key, std::string_view value);
   // Drops every line of the key in the section, so a duplicate cannot surface; true when any went.
   bool RemoveKey(std::string_view section, std::string_view key);

@@ -1,6 +1,7 @@
 // The Windows profile (INI file) functions: GetPrivateProfileString, GetPrivateProfileInt and
 // WritePrivateProfileString with their rules. A file named without a directory lives in the
-// Windows directory. Missing files read as empty; failed writes leave the file as it was.
+// Windows directory; a name nothing has finds a file spelled the same but for letter case. Missing
+// files read as empty; failed writes leave the file as it was.
 #pragma once
 
 #include <cstddef>
@@ -30,9 +31,10 @@ std::optional<std::string> ProfileLookup(std::string_view section, std::string_v
 std::int32_t ProfileReadInt(std::string_view section, std::string_view key, std::int32_t defaultValue,
                             std::string_view file);
 
-// WritePrivateProfileString: sets the key (appending it to its section, creating section and file
-// as needed); no value removes the key; no key removes the whole section. Every other line of the
-// file is kept. False when the file cannot be written.
+// WritePrivateProfileString: sets the key (appending it after the last key of its section, or a
+// new section after the last line, creating the file as needed); no value removes the key; no key
+// removes the whole section. Every other line of the file is kept. False when the file cannot be
+// written.
 bool ProfileWriteString(std::string_view section, std::optional<std::string_view> key,
                         std::optional<std::string_view> value, std::string_view file);
 

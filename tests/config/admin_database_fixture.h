@@ -11,9 +11,6 @@
 
 namespace tqv::testing {
 
-// Windows begins a new section right after the last line; our engine leaves a blank line first.
-inline const std::string kSectionGap = kWin32Backend ? "" : "\n";
-
 class AdminDatabaseTest : public TempDirTest {
  protected:
   void SetUp() override {

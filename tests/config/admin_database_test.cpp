@@ -17,8 +17,7 @@ using AdminDatabase = testing::AdminDatabaseTest;
 TEST_F(AdminDatabase, UserSectionIsStoredUnderParenthesesButKeysKeepBrackets) {
   ASSERT_TRUE(AdminPutString("joe[1]@x", "DefaultCover", "Memo"));
   ASSERT_TRUE(AdminPutString("Recipient List", "joe[1]@x", "Joe One"));
-  EXPECT_EQ(Database(), "[joe(1)@x]\nDefaultCover=Memo\n" + testing::kSectionGap +
-                            "[Recipient List]\njoe[1]@x=Joe One\n");
+  EXPECT_EQ(Database(), "[joe(1)@x]\nDefaultCover=Memo\n[Recipient List]\njoe[1]@x=Joe One\n");
   EXPECT_EQ(AdminGetString("JOE[1]@X", "defaultcover", "", 255), "Memo");
   // Cut first, mapped after: a "]" past character 510 cannot end the header early.
   EXPECT_EQ(AdminSectionName(std::string(509, 'a') + "[]"), std::string(509, 'a') + "(");

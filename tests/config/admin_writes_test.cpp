@@ -49,8 +49,7 @@ TEST_F(AdminWrites, BlockedPatternsCompareByTheirDigits) {
   EXPECT_FALSE(IsNumberBlocked("ann", "0049 30"));
   EXPECT_TRUE(IsNumberBlocked("ann", "1 900 555")) << "moved up to B_00000, still read";
   EXPECT_EQ(RemoveBlockedNumber("ann", "0049"), 0);
-  EXPECT_EQ(Database(),
-            "[Recipients Properties]\nann=64\n" + testing::kSectionGap + "[ann]\nB_00000=+1 900\n");
+  EXPECT_EQ(Database(), "[Recipients Properties]\nann=64\n[ann]\nB_00000=+1 900\n");
 }
 
 TEST_F(AdminWrites, RemovedUserLeavesNothingBehindButOtherUsersKeepTheirs) {
@@ -72,8 +71,7 @@ TEST_F(AdminWrites, NewUserAndVoicemailBoxReadBackAsWritten) {
   EXPECT_EQ(GetUserVoicemail("joe[1]", 47, 47)->text, "Sales");
   EXPECT_EQ(FirstUser(), "joe[1]");
   SetUserVoicemail("joe[1]", "7", "");
-  EXPECT_EQ(Database(),
-            "[Recipient List]\njoe[1]=Joe One\n" + testing::kSectionGap + "[VoiceMail]\njoe[1]=7\n");
+  EXPECT_EQ(Database(), "[Recipient List]\njoe[1]=Joe One\n[VoiceMail]\njoe[1]=7\n");
   SetUserVoicemail("joe[1]", "", "ignored");
   EXPECT_FALSE(GetUserVoicemail("joe[1]", 47, 47));
 }

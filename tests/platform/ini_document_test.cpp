@@ -28,7 +28,7 @@ TEST(IniDocument, ReadsValuesByTheLineRules) {
       {"[s]\nk=first\n[S]\nk=second\nx=only in the duplicate\n", "s", "x", std::nullopt},
       {"[]\nk=empty section name\n", "", "k", "empty section name"},
       {"[s]\n;k=comment\n  ; k=comment\n", "s", "k", std::nullopt},
-      {"[s]\n=no key\n  = v\n", "s", "", std::nullopt},
+      {"[s]\n=no name\n  = v\n", "s", "", "no name"},
       {"[s]\n\0k=v\n"s, "s", "k", std::nullopt},
   };
   for (const ReadCase &c : cases) {
@@ -44,7 +44,7 @@ TEST(IniDocument, ListsWhatAReaderSeesInFileOrder) {
       "orphan=1\n[Users]\nzeta=1\n; alpha=0\nAlpha=2\nZETA=3\n=4\n mid =5\n"
       "[Other]\n[users]\nlate=6\n[OTHER]\n");
   EXPECT_EQ(document.SectionNames(), (Names{"Users", "Other"}));
-  EXPECT_EQ(document.KeyNames("USERS"), (Names{"zeta", "Alpha", "mid"}));
+  EXPECT_EQ(document.KeyNames("USERS"), (Names{"zeta", "Alpha", "", "mid"}));
   EXPECT_EQ(document.KeyNames("other"), Names{});
 }
 
@@ -63,9 +63,8 @@ TEST(IniDocument, SetValueEditsOnlyItsLine) {
        "[sec]\r\nmykey=new\r\n; note\r\n\r\n[next]\r\n"},
       {"edits only the first of duplicate sections", "[sec]\na=1\n[SEC]\nmykey=2\n",
        "[sec]\r\na=1\r\nmykey=new\r\n[SEC]\r\nmykey=2\r\n"},
-      {"does not add a second empty line", "[other]\nx=1\n\n",
-       "[other]\r\nx=1\r\n\r\n[SEC]\r\nmykey=new\r\n"},
-      {"ignores keys before any section", "mykey=old\n", "mykey=old\r\n\r\n[SEC]\r\nmykey=new\r\n"},
+      {"keeps a blank line where it was", "[other]\nx=1\n\n", "[other]\r\nx=1\r\n\r\n[SEC]\r\nmykey=new\r\n"},
+      {"ignores keys before any section", "mykey=old\n", "mykey=old\r\n[SEC]\r\nmykey=new\r\n"},
       {"keeps binary lines byte for byte", "\x01\xff[\0\r\n[sec]\nmykey=1\n"s,
        "\x01\xff[\0\r\n[sec]\r\nmykey=new\r\n"s},
   };
@@ -82,7 +81,8 @@ TEST(IniDocument, SetValueRefusesWhatCouldNotBeReadBack) {
   EXPECT_FALSE(document.SetValue("s", "", "x"));
   EXPECT_FALSE(document.SetValue("s", "a=b", "x"));
   EXPECT_FALSE(document.SetValue("s", ";x", "x"));
-  EXPECT_FALSE(document.SetValue("a]b", "k", "x"));
+  EXPECT_FALSE(document.SetValue("a\nb", "k", "x"));
+  EXPECT_FALSE(document.SetValue("s", "k\r[evil]", "x"));
 
   // A value ends at its first line break, which could not be read back either.
   EXPECT_TRUE(document.SetValue(" s ", " k ", "one\r\n[evil]\nx=1"));

@@ -4,6 +4,7 @@
 
 #include <chrono>
 #include <filesystem>
+#include <thread>
 
 #include "platform/fault_injection.h"
 #include "platform/regional_settings.h"
@@ -42,7 +43,7 @@ TEST_F(Profile, WritesKeepOtherLinesAndReadBack) {
   if (!tqv::testing::kWin32Backend) {
     EXPECT_EQ(ReadFile(path),
               "; Administration\r\n[Users]\r\nALICE=8000\r\nbob=\"1\"\r\ncarol='quoted'\r\n\r\n; tail\r\n"
-              "[Other]\r\nx=1\r\n\r\n[New Section]\r\nkey= spaced \r\n");
+              "[Other]\r\nx=1\r\n[New Section]\r\nkey= spaced \r\n");
   }
   EXPECT_EQ(ReadString("users", "carol", path), "quoted");
   EXPECT_EQ(ReadString("new section", "key", path), "spaced");
@@ -175,6 +176,13 @@ TEST_F(Profile, RepeatedReadsTouchNoFileButChangesAreSeen) {
   SetModifiedTime(path, 1000000001);
   EXPECT_EQ(ReadString("s", "k", path), "new");
 
+  // Same size, rewritten in place with the modification time put back, as cp -p does: only the
+  // change time tells. The pause lets a coarse file-system clock move on.
+  std::this_thread::sleep_for(std::chrono::milliseconds(30));
+  WriteFile(path, "[s]\nk=cpp\n");
+  SetModifiedTime(path, 1000000001);
+  EXPECT_EQ(ReadString("s", "k", path), "cpp");
+
   // Same size and modification time, but another file renamed over it.
   const std::string replacement = PathOf("replacement.ini");
   WriteFile(replacement, "[s]\nk=rep\n");
@@ -203,6 +211,31 @@ TEST_F(Profile, ACallScopeSeesEachFileAsFirstReadWithItsOwnWrites) {
     EXPECT_EQ(ReadString("s", "mine", missing), "1");
   }
   EXPECT_EQ(ReadString("s", "k", path), "changed elsewhere");
+}
+
+TEST_F(Profile, AMissingNameFindsAFileSpelledOtherwise) {
+  TQV_SKIP_ON_WIN32("Windows file names ignore case by themselves");
+  // As a copy from Windows names them: the library asks for WIN.INI and TQVMSERV.INI.
+  WriteFile(WinDir() + "/win.ini", "[intl]\nsShortDate=dd.MM.yyyy\n");
+  std::filesystem::create_directory(WinDir() + "/Corvanta");
+  WriteFile(WinDir() + "/Corvanta/tqvmserv.ini", "[Corvanta]\nDirectory=C:\\TQV\n");
+  EXPECT_EQ(ReadRegionalSetting("sShortDate"), "dd.MM.yyyy");
+  EXPECT_EQ(ReadString("Corvanta", "Directory", WinDir() + "\\Corvanta\\TQVMSERV.INI"), "C:\\TQV");
+
+  // A write goes to the file found, and makes no second one.
+  const std::string config = PathOf("TqvConfg.INI");
+  WriteFile(config, "[Misc]\nLanguage=de\n");
+  ASSERT_TRUE(ProfileWriteString("Misc", "MailSystem", "SMTP", PathOf("tqvconfg.ini")));
+  EXPECT_EQ(ReadFile(config), "[Misc]\r\nLanguage=de\r\nMailSystem=SMTP\r\n");
+  EXPECT_FALSE(Exists(PathOf("tqvconfg.ini")));
+
+  // The exact name wins; a name nothing has is made as asked for.
+  WriteFile(PathOf("tqvconfg.ini"), "[Misc]\nLanguage=en\n");
+  EXPECT_EQ(ReadString("misc", "language", PathOf("tqvconfg.ini")), "en");
+  ASSERT_TRUE(ProfileWriteString("s", "k", "v", PathOf("TQVADDR.INI")));
+  EXPECT_EQ(FileNames(Dir()), (std::vector<std::string>{"TQVADDR.INI", "TqvConfg.INI", "tqvconfg.ini"}));
+  // Only the name is matched so; the directories on the way are as given.
+  EXPECT_EQ(ReadString("Corvanta", "Directory", WinDir() + "\\CORVANTA\\TQVMSERV.INI"), "");
 }
 
 TEST_F(RegionalSettings, ReadsIntlOfWinIni) {

@@ -14,6 +14,7 @@
 #include "platform/file.h"
 #include "platform/ini_document.h"
 #include "platform/platform_state_internal.h"
+#include "platform/posix/entry_without_case.h"
 #include "platform/posix/native_path.h"
 #include "platform/profile.h"
 #include "platform/windows_directory.h"
@@ -25,16 +26,24 @@ namespace {
 // Enough for every profile file the system reads; beyond it the cache starts afresh.
 constexpr std::size_t kMaxCachedProfiles = 64;
 
-// What tells that a file on disk is no longer the one parsed.
+// What tells that a file on disk is no longer the one parsed. The change time catches a rewrite
+// in place that puts the modification time back (cp -p, touch -d); the inode, a file renamed over.
 struct FileStamp {
   dev_t device = 0;
   ino_t inode = 0;
   off_t size = 0;
   time_t modifiedSeconds = 0;
   long modifiedNanoseconds = 0;
+  time_t changedSeconds = 0;
+  long changedNanoseconds = 0;
 
   bool operator==(const FileStamp &) const = default;
 };
+
+FileStamp StampFrom(const struct stat &info) {
+  return FileStamp{info.st_dev,          info.st_ino,         info.st_size,        info.st_mtim.tv_sec,
+                   info.st_mtim.tv_nsec, info.st_ctim.tv_sec, info.st_ctim.tv_nsec};
+}
 
 struct CachedProfile {
   FileStamp stamp;
@@ -47,7 +56,7 @@ struct ProfileCache {
   std::unordered_map<std::string, CachedProfile> entries;  // by native path
   // Within a call scope: the files already looked at, and whether each was there.
   int scopeDepth = 0;
-  std::unordered_map<std::string, bool> lookedAt;
+  std::unordered_map<std::string, bool> lookedAt;  // by native path as asked for
 };
 
 ProfileCache &Cache() {
@@ -64,7 +73,7 @@ const std::shared_ptr<const IniDocument> &EmptyDocument() {
 std::optional<FileStamp> StampOf(const std::string &nativePath) {
   struct stat info {};
   if (::stat(nativePath.c_str(), &info) != 0 || !S_ISREG(info.st_mode)) return std::nullopt;
-  return FileStamp{info.st_dev, info.st_ino, info.st_size, info.st_mtim.tv_sec, info.st_mtim.tv_nsec};
+  return StampFrom(info);
 }
 
 // A file named without any directory or drive lives in the Windows directory.
@@ -74,6 +83,40 @@ std::string ProfilePath(std::string_view file) {
   if (path.empty() || (path.back() != '\\' && path.back() != '/')) path += '\\';
   path += file;
   return path;
+}
+
+struct ProfileFile {
+  std::string windowsPath;
+  std::string nativePath;
+};
+
+ProfileFile AskedFor(std::string_view file) {
+  ProfileFile asked{ProfilePath(file), {}};
+  asked.nativePath = ToNativePath(asked.windowsPath);
+  return asked;
+}
+
+// When nothing has the name asked for: a file of its directory spelled the same but for letter
+// case, which Windows, whose names ignore case, would open instead. A copy from Windows often
+// names WIN.INI "win.ini". Directories on the way are matched as given.
+std::optional<ProfileFile> OtherCaseOf(const ProfileFile &asked) {
+  struct stat info {};
+  if (asked.nativePath.empty() || ::lstat(asked.nativePath.c_str(), &info) == 0 || errno != ENOENT)
+    return std::nullopt;
+  const std::size_t windowsCut = asked.windowsPath.find_last_of("\\/:");
+  const std::size_t nativeCut = asked.nativePath.rfind('/');
+  const std::string_view name = std::string_view(asked.nativePath).substr(nativeCut + 1);
+  // Both spell the same last name unless a drive was mapped oddly; then look no further.
+  if (name.empty() || std::string_view(asked.windowsPath).substr(windowsCut + 1) != name) return std::nullopt;
+  const std::string directory = nativeCut == std::string::npos ? "."
+                                : nativeCut == 0               ? "/"
+                                                               : asked.nativePath.substr(0, nativeCut);
+  const std::optional<std::string> found = FindEntryWithoutCase(directory, name);
+  if (!found || *found == name) return std::nullopt;
+  ProfileFile other = asked;
+  other.windowsPath.replace(windowsCut + 1, std::string::npos, *found);
+  other.nativePath.replace(nativeCut + 1, std::string::npos, *found);
+  return other;
 }
 
 // Settings files are the administrator's, who may keep one elsewhere and link it into place, so
@@ -95,8 +138,9 @@ void Remember(ProfileCache &cache, const std::string &nativePath, const FileStam
 
 // The parsed file: one stat when the cached parse is still current.
 std::shared_ptr<const IniDocument> LoadProfile(std::string_view file) {
-  const std::string windowsPath = ProfilePath(file);
-  const std::string nativePath = ToNativePath(windowsPath);
+  const ProfileFile asked = AskedFor(file);
+  // Cached by the name asked for: the file another spelling found is stamped and read.
+  const std::string &nativePath = asked.nativePath;
   ProfileCache &cache = Cache();
   const std::lock_guard lock(cache.mutex);
   if (cache.scopeDepth > 0) {
@@ -110,7 +154,14 @@ std::shared_ptr<const IniDocument> LoadProfile(std::string_view file) {
     if (cache.scopeDepth > 0) cache.lookedAt[nativePath] = present;
   };
   // Stamped before reading: a change during the read then shows as a changed stamp next time.
-  const std::optional<FileStamp> stamp = StampOf(nativePath);
+  ProfileFile source = asked;
+  std::optional<FileStamp> stamp = StampOf(source.nativePath);
+  if (!stamp) {
+    if (std::optional<ProfileFile> other = OtherCaseOf(asked)) {
+      source = std::move(*other);
+      stamp = StampOf(source.nativePath);
+    }
+  }
   if (!stamp) {
     cache.entries.erase(nativePath);
     note(false);
@@ -121,7 +172,7 @@ std::shared_ptr<const IniDocument> LoadProfile(std::string_view file) {
     note(true);
     return found->second.document;
   }
-  const std::optional<std::string> bytes = ReadWholeFile(windowsPath);
+  const std::optional<std::string> bytes = ReadWholeFile(source.windowsPath);
   if (!bytes) {
     cache.entries.erase(nativePath);
     note(false);
@@ -186,12 +237,15 @@ bool ReplaceFile(const std::string &windowsPath, const std::string &nativePath, 
     return false;
   }
   if (mode) ::chmod(temporaryNative.c_str(), *mode & 07777);  // a default mode is no reason to fail
-  // A rename keeps the inode, so this is the target's stamp until someone else writes it.
-  writtenStamp = StampOf(temporaryNative);
+  const std::optional<FileStamp> madeStamp = StampOf(temporaryNative);
   if (::rename(temporaryNative.c_str(), nativePath.c_str()) != 0) {
     ::unlink(temporaryNative.c_str());
     return false;
   }
+  // The rename sets the change time, so the stamp is taken after it; the inode tells that the
+  // file stamped is still the one made.
+  writtenStamp = StampOf(nativePath);
+  if (!madeStamp || !writtenStamp || writtenStamp->inode != madeStamp->inode) writtenStamp.reset();
   return true;
 }
 
@@ -201,6 +255,7 @@ void ClearProfileCache() {
   ProfileCache &cache = Cache();
   const std::lock_guard lock(cache.mutex);
   cache.entries.clear();
+  ClearEntryWithoutCaseCache();
 }
 
 std::string ProfileReadString(std::optional<std::string_view> section, std::optional<std::string_view> key,
@@ -237,9 +292,11 @@ std::int32_t ProfileReadInt(std::string_view section, std::string_view key, std:
 
 bool ProfileWriteString(std::string_view section, std::optional<std::string_view> key,
                         std::optional<std::string_view> value, std::string_view file) {
-  const std::string windowsPath = ProfilePath(file);
-  const std::string nativePath = ToNativePath(windowsPath);
-  if (nativePath.empty()) return false;
+  const ProfileFile asked = AskedFor(file);
+  if (asked.nativePath.empty()) return false;
+  // The file another spelling finds is the one written; a new file takes the name asked for.
+  const ProfileFile target = OtherCaseOf(asked).value_or(asked);
+  const std::string &nativePath = asked.nativePath;  // the cache's key, as for reads
   ProfileCache &cache = Cache();
   const std::lock_guard lock(cache.mutex);
 
@@ -248,14 +305,13 @@ bool ProfileWriteString(std::string_view section, std::optional<std::string_view
   std::string current;
   std::optional<mode_t> mode;
   struct stat info {};
-  if (::stat(nativePath.c_str(), &info) == 0) {
+  if (::stat(target.nativePath.c_str(), &info) == 0) {
     if (!S_ISREG(info.st_mode)) return false;
-    const FileStamp stamp{info.st_dev, info.st_ino, info.st_size, info.st_mtim.tv_sec, info.st_mtim.tv_nsec};
     if (const auto found = cache.entries.find(nativePath);
-        found != cache.entries.end() && found->second.stamp == stamp) {
+        found != cache.entries.end() && found->second.stamp == StampFrom(info)) {
       current = found->second.bytes;
     } else {
-      std::optional<std::string> bytes = ReadWholeFile(windowsPath);
+      std::optional<std::string> bytes = ReadWholeFile(target.windowsPath);
       if (!bytes) return false;
       current = std::move(*bytes);
     }
@@ -274,7 +330,7 @@ bool ProfileWriteString(std::string_view section, std::optional<std::string_view
   }
   std::optional<FileStamp> writtenStamp;
   std::string written = document->Serialize();
-  if (!ReplaceFile(windowsPath, nativePath, written, mode, writtenStamp)) return false;
+  if (!ReplaceFile(target.windowsPath, target.nativePath, written, mode, writtenStamp)) return false;
   if (writtenStamp) {
     Remember(cache, nativePath, *writtenStamp, std::move(document), std::move(written));
     if (cache.scopeDepth > 0) cache.lookedAt[nativePath] = true;
