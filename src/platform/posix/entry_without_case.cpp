@@ -1,6 +1,7 @@
 // Looks a name up in a directory without regard to case: one stat while the directory is
 // unchanged, a scan when it changed. A directory that cannot be read answers "none".
 #include "platform/posix/entry_without_case.h"
+#include "platform/posix/file_stamp.h"
 
 #include <dirent.h>
 #include <sys/stat.h>
@@ -25,19 +26,8 @@ std::string Folded(std::string_view name) {
   return folded;
 }
 
-struct DirectoryStamp {
-  dev_t device = 0;
-  ino_t inode = 0;
-  time_t modifiedSeconds = 0;
-  long modifiedNanoseconds = 0;
-  time_t changedSeconds = 0;
-  long changedNanoseconds = 0;
-
-  bool operator==(const DirectoryStamp &) const = default;
-};
-
 struct Scan {
-  DirectoryStamp stamp;
+  FileStamp stamp;
   std::map<std::string, std::string> byFoldedName;  // the first name in byte order for each
 };
 
@@ -51,7 +41,7 @@ ScanCache &Cache() {
   return cache;
 }
 
-std::optional<Scan> ScanDirectory(const std::string &nativeDirectory, const DirectoryStamp &stamp) {
+std::optional<Scan> ScanDirectory(const std::string &nativeDirectory, const FileStamp &stamp) {
   const std::unique_ptr<DIR, int (*)(DIR *)> directory(::opendir(nativeDirectory.c_str()), ::closedir);
   if (!directory) return std::nullopt;
   Scan scan{stamp, {}};
@@ -68,8 +58,7 @@ std::optional<Scan> ScanDirectory(const std::string &nativeDirectory, const Dire
 std::optional<std::string> FindEntryWithoutCase(const std::string &nativeDirectory, std::string_view name) {
   struct stat info {};
   if (::stat(nativeDirectory.c_str(), &info) != 0 || !S_ISDIR(info.st_mode)) return std::nullopt;
-  const DirectoryStamp stamp{info.st_dev,          info.st_ino,         info.st_mtim.tv_sec,
-                             info.st_mtim.tv_nsec, info.st_ctim.tv_sec, info.st_ctim.tv_nsec};
+  const FileStamp stamp = StampFrom(info);
   const std::string folded = Folded(name);
   const auto answer = [&](const Scan &scan) -> std::optional<std::string> {
     const auto found = scan.byFoldedName.find(folded);

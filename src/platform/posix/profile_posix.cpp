@@ -15,6 +15,7 @@
 #include "platform/ini_document.h"
 #include "platform/platform_state_internal.h"
 #include "platform/posix/entry_without_case.h"
+#include "platform/posix/file_stamp.h"
 #include "platform/posix/native_path.h"
 #include "platform/profile.h"
 #include "platform/windows_directory.h"
@@ -25,25 +26,6 @@ namespace {
 
 // Enough for every profile file the system reads; beyond it the cache starts afresh.
 constexpr std::size_t kMaxCachedProfiles = 64;
-
-// What tells that a file on disk is no longer the one parsed. The change time catches a rewrite
-// in place that puts the modification time back (cp -p, touch -d); the inode, a file renamed over.
-struct FileStamp {
-  dev_t device = 0;
-  ino_t inode = 0;
-  off_t size = 0;
-  time_t modifiedSeconds = 0;
-  long modifiedNanoseconds = 0;
-  time_t changedSeconds = 0;
-  long changedNanoseconds = 0;
-
-  bool operator==(const FileStamp &) const = default;
-};
-
-FileStamp StampFrom(const struct stat &info) {
-  return FileStamp{info.st_dev,          info.st_ino,         info.st_size,        info.st_mtim.tv_sec,
-                   info.st_mtim.tv_nsec, info.st_ctim.tv_sec, info.st_ctim.tv_nsec};
-}
 
 struct CachedProfile {
   FileStamp stamp;
