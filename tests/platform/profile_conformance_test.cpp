@@ -62,6 +62,9 @@ class ProfileConformance : public tqv::testing::TempDirTest {
           row.value ? std::optional<std::string_view>(*row.value) : std::nullopt;
       EXPECT_TRUE(ProfileWriteString(row.section, key, value, RowFile(i)));
       EXPECT_EQ(ReadFile(RowFile(i)), row.after) << "file " << ::testing::PrintToString(row.before);
+      if (key) {
+        EXPECT_EQ(ProfileLookup(row.section, *key, RowFile(i)), row.value) << *key;
+      }
     }
   }
 };
@@ -99,7 +102,15 @@ TEST_F(ProfileConformance, SectionAndKeyNames) {
       {"[s]\n=empty name\nk=v\n", "s", "", "empty name"},
       {"[s]\n=empty name\nk=v\n", "s", std::nullopt, "\0k\0"s},
       {"[s]\nk=first\nK=second\n", "s", "k", "first"},
+      {"[s]\nk=first\n[S]\nk=second\nx=only in the duplicate\n", "s", "x", "default"},
+      {"[]\nk=v\n", "", "k", "v"},
       {"k=before any section\n[s]\n", "s", "k", "default"},
+      {"[s]\n\0k=v\n"s, "s", "k", "default"},
+      // Listings: in file order, a duplicate section and its keys left out, an empty name kept.
+      {"orphan=1\n[Users]\nzeta=1\n; alpha=0\nAlpha=2\nZETA=3\n=4\n mid =5\n[Other]\n[users]\nlate=6\n",
+       std::nullopt, std::nullopt, "Users\0Other\0"s},
+      {"[Users]\nzeta=1\n; alpha=0\nAlpha=2\nZETA=3\n=4\n mid =5\n[users]\nlate=6\n", "USERS", std::nullopt,
+       "zeta\0Alpha\0\0mid\0"s},
   });
   CheckWrites({
       {"[s]\nk=1\n", "a]b", "k", "v", "[s]\r\nk=1\r\n[a]b]\r\nk=v\r\n"},
@@ -118,7 +129,7 @@ TEST_F(ProfileConformance, Values) {
       {"[s]\nk=''string''\n", "s", "k", "'string'"},
       {"[s]\nk=\"string'\n", "s", "k", "\"string'"},
       {"[s]\nk=diet ;gag\n", "s", "k", "diet ;gag"},
-      {"[s]\n;k=commented\n", "s", "k", "default"},
+      {"[s]\n;k=commented\n  ; k=commented\n", "s", "k", "default"},
       {"[s]\nk=a=b\n", "s", "k", "a=b"},
   });
 }
@@ -140,7 +151,26 @@ TEST_F(ProfileConformance, WritesChangeOnlyTheirLine) {
       {"[a]\r\n  K = old ; x\r\nz=9\r\n", "A", "k", "new", "[a]\r\nK=new\r\nz=9\r\n"},
       {"[a]\r\nk=1\r\nj=2\r\n[b]\r\nk=3\r\n", "a", "k", std::nullopt, "[a]\r\nj=2\r\n[b]\r\nk=3\r\n"},
       {"[a]\r\nk=1\r\n[b]\r\nk=3\r\n[c]\r\n", "b", std::nullopt, std::nullopt, "[a]\r\nk=1\r\n[c]\r\n"},
+      {"[a]\nk=1\nK=dup\n", "a", "K", "new", "[a]\r\nk=new\r\nK=dup\r\n"},
+      {"[a]\n; note\n\n[b]\n", "A", "k", "new", "[a]\r\nk=new\r\n; note\r\n\r\n[b]\r\n"},
+      {"[a]\nj=1\n[A]\nk=2\n", "a", "k", "new", "[a]\r\nj=1\r\nk=new\r\n[A]\r\nk=2\r\n"},
+      {"k=before any section\n", "a", "k", "new", "k=before any section\r\n[a]\r\nk=new\r\n"},
+      {"\x01\xff[\0\r\n[a]\nk=1\n"s, "a", "k", "new", "\x01\xff[\0\r\n[a]\r\nk=new\r\n"s},
   });
+}
+
+// A name that would read back as another line, or a value's line break, could plant a section.
+TEST_F(ProfileConformance, WritesRefuseNamesThatCouldNotBeReadBackAndCutValuesAtALineBreak) {
+  TQV_SKIP_ON_WIN32(kOurEngineOnly);
+  const std::string path = PathOf("refused.ini");
+  WriteFile(path, "[s]\nk=v\n");
+  for (const auto &[section, key] :
+       {std::pair{"s", ""}, {"s", "a=b"}, {"s", ";x"}, {"a\nb", "k"}, {"s", "k\r[evil]"}})
+    EXPECT_FALSE(ProfileWriteString(section, key, "x", path))
+        << ::testing::PrintToString(section + std::string("/") + key);
+  EXPECT_EQ(ReadFile(path), "[s]\nk=v\n");
+  EXPECT_TRUE(ProfileWriteString(" s ", " k ", "one\r\n[evil]\nx=1", path));
+  EXPECT_EQ(ReadFile(path), "[s]\r\nk=one\r\n");
 }
 
 }  // namespace
