@@ -1,3 +1,6 @@
+// Messages of the gateway directories, written and read. Whatever values a message is given, the
+// reader finds each on its own line and nothing more: a value's line ends, NULs and length cannot
+// start a line, and no block's name or data can make the reader lose the block's end.
 #include "gateway/message_writer.h"
 
 #include <array>
@@ -12,6 +15,7 @@
 #include "platform/file.h"
 #include "platform/profile.h"
 #include "support/installation.h"
+#include "support/platform_backend.h"
 
 namespace tqv {
 namespace {
@@ -27,6 +31,17 @@ constexpr std::string_view kEmptyHeaderLines =
     "FAX-StatusInfo:\r\nFAX-NumRetries:0\r\nFAX-CallDuration:0\r\nFAX-PagesTransferred:0\r\n"
     "FAX-DeliveryTime:0\r\n";
 
+// What the reader found in a message, blocks stepped over as the gateway steps over them.
+struct ReadBack {
+  std::vector<int> codes;
+  std::string sender, subject, statusInfo, customString, fileType;
+  std::vector<std::int64_t> numbers;  // status, retries, call duration, pages, delivery time
+  std::vector<std::string> recipients;
+  std::vector<std::string> attachments;  // name "=" contents
+  std::vector<std::string> bodies;
+  bool blocksWhole = true;
+};
+
 // The gateway directories as start-up would set them, without starting the library; the message
 // counter lives in the product directory.
 class MessageWriterTest : public testing::InstallationTest {
@@ -41,6 +56,52 @@ class MessageWriterTest : public testing::InstallationTest {
   std::string MessageIn(int number) const { return GatewayIn() + "/SGW" + std::to_string(number) + ".TMP"; }
   std::string EmptyMessageWith(std::string_view blocks) const {
     return "X-Tnef-Attach:\r\n" + std::string(kEmptyHeaderLines) + std::string(blocks);
+  }
+
+  // Reads the one message of gateway-in, then removes it.
+  ReadBack ReadMessage() {
+    const std::vector<std::string> names = FileNames(GatewayIn());
+    EXPECT_EQ(names.size(), 1u);
+    const std::string path = GatewayIn() + "/" + names.at(0);
+    ReadBack found;
+    MessageReader reader;
+    EXPECT_TRUE(reader.Open(path));
+    for (ReadCode code; (code = reader.ReadNext()) != ReadCode::End;) {
+      found.codes.push_back(static_cast<int>(code));
+      const std::string block = PathOf("block");
+      if (code == ReadCode::Recipient) {
+        std::array<char, 256> name{}, address{};
+        reader.GetRecipient(name, address);
+        found.recipients.emplace_back(address.data());
+      } else if (code == ReadCode::Body) {
+        found.blocksWhole = reader.ExtractBody(block) && found.blocksWhole;
+        found.bodies.push_back(Exists(block) ? ReadFile(block) : "");
+      } else if (code == ReadCode::Attachment) {
+        found.blocksWhole = reader.ExtractAttachment(block) && found.blocksWhole;
+        std::array<char, kMaxAttachmentName + 1> name{};
+        reader.GetAttachmentName(name);
+        found.attachments.push_back(std::string(name.data()) + "=" + (Exists(block) ? ReadFile(block) : ""));
+      } else if (code == ReadCode::Malformed) {
+        found.blocksWhole = false;
+      }
+      std::filesystem::remove(block);
+    }
+    std::array<char, 256> text{};
+    reader.GetSender(text);
+    found.sender = text.data();
+    reader.GetSubject(text);
+    found.subject = text.data();
+    reader.GetStatusInfo(text);
+    found.statusInfo = text.data();
+    reader.GetCustomString(text);
+    found.customString = text.data();
+    reader.GetFileTypeField(text);
+    found.fileType = text.data();
+    found.numbers = {reader.FaxStatus(), reader.NumRetries(), reader.CallDuration(),
+                     reader.PagesTransferred(), reader.DeliveryTime()};
+    reader.Close();
+    std::filesystem::remove(path);
+    return found;
   }
 };
 
@@ -95,49 +156,18 @@ TEST_F(MessageWriterTest, WrittenMessageIsExactAndReadsBack) {
       "----beginattach:scan.tif:529\r\n" +
           binary + "\r\n----endattach\r\n");
 
-  MessageReader reader;
-  ASSERT_TRUE(reader.Open(MessageIn(0)));
-  std::vector<int> codes;
-  std::vector<std::string> recipients, bodies, attachments;
-  for (ReadCode code; (code = reader.ReadNext()) != ReadCode::End;) {
-    codes.push_back(static_cast<int>(code));
-    const std::string target = PathOf("part" + std::to_string(codes.size()));
-    if (code == ReadCode::Recipient) {
-      std::array<char, 256> name{}, address{};
-      reader.GetRecipient(name, address);
-      recipients.push_back(address.data());
-    } else if (code == ReadCode::Body) {
-      ASSERT_TRUE(reader.ExtractBody(target));
-      bodies.push_back(Exists(target) ? ReadFile(target) : "(none)");
-    } else if (code == ReadCode::Attachment) {
-      ASSERT_TRUE(reader.ExtractAttachment(target));
-      std::array<char, 261> name{};
-      reader.GetAttachmentName(name);
-      attachments.push_back(std::string(name.data()) + "=" + ReadFile(target));
-    }
-  }
-  EXPECT_EQ(codes, (std::vector<int>{4, 14, 1, 2, 2, 3, 6, 8, 9, 10, 11, 12, 13, 4, 4, 4, 4, 5}));
-  EXPECT_EQ(recipients, (std::vector<std::string>{"+49 30 1234", "bob@example.com"}));
-  EXPECT_EQ(bodies, (std::vector<std::string>{"buffered\r\n\r\n", "Line one\r\nLine twofrom a file\r\n\r\n",
-                                              "from a file\r\n\r\n", "abc\r\n", "(none)"}));
-  EXPECT_EQ(attachments, (std::vector<std::string>{"scan.tif=" + binary}));
-
-  std::array<char, 256> sender{}, subject{}, statusInfo{}, custom{}, fileType{};
-  reader.GetSender(sender);
-  reader.GetSubject(subject);
-  reader.GetStatusInfo(statusInfo);
-  reader.GetCustomString(custom);
-  reader.GetFileTypeField(fileType);
-  EXPECT_STREQ(sender.data(), "jane@example.com");
-  EXPECT_STREQ(subject.data(), "Your fax");
-  EXPECT_STREQ(statusInfo.data(), "Busy");
-  EXPECT_EQ(std::string(custom.data(), 9), "ticket 7\0"s);
-  EXPECT_STREQ(fileType.data(), "KVDTQVOUT");
-  EXPECT_EQ(reader.FaxStatus(), -2);
-  EXPECT_EQ(reader.NumRetries(), 3);
-  EXPECT_EQ(reader.CallDuration(), 45);
-  EXPECT_EQ(reader.PagesTransferred(), 2);
-  EXPECT_EQ(reader.DeliveryTime(), 1700000000);
+  const ReadBack found = ReadMessage();
+  EXPECT_EQ(found.codes, (std::vector<int>{4, 14, 1, 2, 2, 3, 6, 8, 9, 10, 11, 12, 13, 4, 4, 4, 4, 5}));
+  EXPECT_EQ(found.recipients, (std::vector<std::string>{"+49 30 1234", "bob@example.com"}));
+  EXPECT_EQ(found.bodies,
+            (std::vector<std::string>{"buffered\r\n\r\n", "Line one\r\nLine twofrom a file\r\n\r\n",
+                                      "from a file\r\n\r\n", "abc\r\n", ""}));
+  EXPECT_EQ(found.attachments, (std::vector<std::string>{"scan.tif=" + binary}));
+  EXPECT_TRUE(found.blocksWhole);
+  EXPECT_EQ((std::vector<std::string>{found.sender, found.subject, found.statusInfo, found.customString,
+                                      found.fileType}),
+            (std::vector<std::string>{"jane@example.com", "Your fax", "Busy", "ticket 7", "KVDTQVOUT"}));
+  EXPECT_EQ(found.numbers, (std::vector<std::int64_t>{-2, 3, 45, 2, 1700000000}));
 }
 
 TEST_F(MessageWriterTest, RefusedBlocksLeaveOnlyTheHeaderLines) {
@@ -204,6 +234,110 @@ TEST_F(MessageWriterTest, CounterRunsUpTo99998AndStartsAgainAtZero) {
     EXPECT_EQ(NextMessageId(), c.number);
     EXPECT_EQ(platform::ProfileLookup("In", "Id", CounterFile()), c.storedAfter);
   }
+}
+
+// As much of the expected value as fits the line the reader takes it from.
+std::string Fitting(const std::string &expected, HeaderKeyword keyword) {
+  return expected.substr(0, HeaderValueRoom(keyword));
+}
+
+TEST_F(MessageWriterTest, HostileValuesReadBackOnTheirOwnLines) {
+  const std::string atTheCut = std::string(235, 'k') + "\r\nRCPT TO:e@x.yz\r\nMAPIMAIL.DAT:";
+  const struct {
+    const char *what;
+    std::string value;
+    std::string read;  // before the cut to the line
+  } cases[] = {
+      {"plain", "jane@example.com", "jane@example.com"},
+      {"CR", "a\rb", "a b"},
+      {"LF", "a\nb", "a b"},
+      {"CR LF and a keyword", "a\r\nRCPT TO:e@x.yz", "a  RCPT TO:e@x.yz"},
+      {"line end at the end", "a\r\n", "a  "},
+      {"NUL ends the value", "a\0\r\nRCPT TO:e@x.yz"s, "a"},
+      {"keyword of its own", "MAPIMAIL.DAT:", "MAPIMAIL.DAT:"},
+      {"300 characters", std::string(300, 'v'), std::string(300, 'v')},
+      {"a keyword where a long line would be cut", atTheCut,
+       std::string(235, 'k') + "  RCPT TO:e@x.yz  MAPIMAIL.DAT:"},
+      {"only line ends", std::string(200, '\n') + std::string(200, '\r'), std::string(400, ' ')},
+  };
+  for (const auto &c : cases) {
+    SCOPED_TRACE(c.what);
+    MessageWriter writer;
+    ASSERT_TRUE(writer.Create());
+    writer.SetSender(c.value);
+    writer.SetSubject(c.value);
+    writer.SetStatusInfo(c.value);
+    writer.SetFileType(c.value);
+    writer.SetCustomString(c.value);
+    writer.AddRecipient("first");
+    writer.AddRecipient(c.value);
+    writer.AddRecipient("last");
+    writer.AddBody("body");
+    ASSERT_TRUE(writer.Close());
+
+    const ReadBack found = ReadMessage();
+    EXPECT_EQ(found.recipients,
+              (std::vector<std::string>{"first", Fitting(c.read, HeaderKeyword::RcptTo), "last"}));
+    EXPECT_EQ(found.sender, Fitting(c.read, HeaderKeyword::MailFrom));
+    EXPECT_EQ(found.subject, Fitting(c.read, HeaderKeyword::Subject));
+    EXPECT_EQ(found.statusInfo, Fitting(c.read, HeaderKeyword::FaxStatusInfo));
+    EXPECT_EQ(found.customString, Fitting(c.read, HeaderKeyword::CustomString));
+    EXPECT_EQ(found.fileType, Fitting(c.read, HeaderKeyword::FileType));
+    EXPECT_EQ(found.bodies, std::vector<std::string>{"body\r\n"}) << "the message was read to its end";
+  }
+}
+
+// Attachment names come from the documents' file names; their data from whoever sent them.
+TEST_F(MessageWriterTest, AttachmentNamesAndDataCannotBreakTheirBlock) {
+  TQV_SKIP_ON_WIN32("colons and line ends in file names exist only on POSIX file systems");
+  const std::string data = "\r\n----endattach\r\nRCPT TO:e@x.yz\r\nMAPIMAIL.DAT:\r\n";
+  // As long as a path may be: in a short temporary directory, longer than an attachment line holds.
+  const std::string longName = std::string(259 - PathOf("").size() - 4, 'n') + ".pdf";
+  const std::string lengthPart = ":" + std::to_string(data.size());
+  const struct {
+    std::string name, read;
+  } cases[] = {
+      {"scan.tif", "scan.tif"},
+      {"a:1.pdf", "a_1.pdf"},
+      {"b\r\nRCPT TO:e.pdf", "b__RCPT TO_e.pdf"},
+      // The line keeps the name's start, its colon and the whole length.
+      {longName, longName.substr(0, 253 - "----beginattach:"s.size() - lengthPart.size())},
+  };
+  for (const auto &c : cases) {
+    SCOPED_TRACE(c.read);
+    const std::string path = PathOf(c.name);
+    WriteFile(path, data);
+    MessageWriter writer;
+    ASSERT_TRUE(writer.Create());
+    writer.AddRecipient("ann");
+    ASSERT_TRUE(writer.AddAttachment(path));
+    writer.AddBody("after");
+    ASSERT_TRUE(writer.Close());
+
+    const ReadBack found = ReadMessage();
+    EXPECT_TRUE(found.blocksWhole);
+    EXPECT_EQ(found.recipients, std::vector<std::string>{"ann"});
+    EXPECT_EQ(found.attachments, std::vector<std::string>{c.read + "=" + data});
+    EXPECT_EQ(found.bodies, std::vector<std::string>{"after\r\n"});
+  }
+}
+
+// A length past what the reader's number holds would be read as a short block whose rest is lines.
+TEST_F(MessageWriterTest, FilesTooLongForABlockAreLeftOut) {
+  const std::string huge = PathOf("huge.bin");
+  WriteFile(huge, "");
+  std::filesystem::resize_file(huge, kMaxBlockBytes + 1);  // sparse: nothing is written
+  MessageWriter writer;
+  ASSERT_TRUE(writer.Create());
+  writer.AddRecipient("ann");
+  EXPECT_FALSE(writer.AddAttachment(huge));
+  EXPECT_TRUE(writer.AddBody("text", huge));
+  ASSERT_TRUE(writer.Close());
+
+  const ReadBack found = ReadMessage();
+  EXPECT_TRUE(found.blocksWhole);
+  EXPECT_TRUE(found.attachments.empty());
+  EXPECT_EQ(found.bodies, std::vector<std::string>{"text\r\n"});
 }
 
 class MessageReaderTest : public testing::TempDirTest {
