@@ -1,10 +1,12 @@
+// The service log CORVANTA.LOG and the events beside it: one dated CR LF line per entry, begun anew
+// past its cap, and a failed check that logs its place and beeps.
 #include "diag/log_message.h"
 
-#include <cstdlib>
-#include <ctime>
 #include <string>
 #include <vector>
 
+#include "diag/check_assertion.h"
+#include "platform/beep_and_sleep.h"
 #include "platform/clock.h"
 #include "platform/event_log.h"
 #include "platform/file.h"
@@ -43,6 +45,22 @@ TEST_F(LogMessageTest, CreatesTheLogAndAppendsOneDatedCrLfLinePerEntry) {
                                                 "2\tCorvanta FAX Service\tends in a newline", ""}));
 }
 
+TEST_F(LogMessageTest, OnlyAFailedCheckLogsOneLineAndBeepsFourTimes) {
+  std::vector<std::string> signals;
+  platform::SetBeepAndSleepHooks([&] { signals.push_back("beep"); },
+                                 [&](std::uint32_t ms) { signals.push_back("sleep " + std::to_string(ms)); });
+  CheckAssertion(true, "convout.cpp", 412);
+  EXPECT_FALSE(Exists(LogPath()));
+  EXPECT_TRUE(Events().empty());
+  EXPECT_TRUE(signals.empty());
+
+  CheckAssertion(false, "convout%s.cpp", 412);
+  EXPECT_EQ(ReadFile(LogPath()),
+            std::string(kPinnedPrefix) + "Assertion failed: 'convout%s.cpp', line 412\r\n");
+  EXPECT_EQ(Events(), std::vector<std::string>{"1\tCORVANTA\tAssertion failed: 'convout%s.cpp', line 412"});
+  EXPECT_EQ(signals, (std::vector<std::string>{"beep", "sleep 500", "beep", "sleep 500", "beep", "sleep 500",
+                                               "beep", "sleep 500"}));
+}
 TEST_F(LogMessageTest, LogAtTheCapIsAppendedToAndOneByteMoreIsBegunAnew) {
   const std::string entry = std::string(kPinnedPrefix) + "next\r\n";
 
