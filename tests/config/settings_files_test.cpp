@@ -70,11 +70,6 @@ TEST_F(SettingsFiles, ConfigPathIsWorkedOutOnceUntilResetWithOrWithoutTrailingSe
   EXPECT_EQ(GetProductDirectory(), PathOf("other"));
   ResetSettingsPathsForTesting();
   EXPECT_EQ(ConfigFilePath(), PathOf("other") + "\\tqvconfg.ini");
-
-  EXPECT_EQ(StringFilePath("C:\\TQV"), "C:\\TQV\\tqstring.ini");
-  EXPECT_EQ(AttachmentDirectory("C:\\TQV\\"), "C:\\TQV\\ATTACH");
-  EXPECT_EQ(WorkDirectory("C:\\TQV"), "C:\\TQV\\TEMP\\TQVSPOOL");
-  EXPECT_EQ(AdminDatabasePath("C:\\TQV\\"), "C:\\TQV\\tqvadmin.ini");
 }
 
 TEST_F(SettingsFiles, NumbersAndSwitchesGiveTheirDefaultAndWriteTheEffectiveValueBack) {

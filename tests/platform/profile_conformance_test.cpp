@@ -149,6 +149,8 @@ TEST_F(ProfileConformance, WritesChangeOnlyTheirLine) {
       {"", "b", "j", "2", "[b]\r\nj=2\r\n"},
       {"[a]\r\nk=1\r\n\r\n; end\r\n", "b", "j", "2", "[a]\r\nk=1\r\n\r\n; end\r\n[b]\r\nj=2\r\n"},
       {"[a]\r\n  K = old ; x\r\nz=9\r\n", "A", "k", "new", "[a]\r\nK=new\r\nz=9\r\n"},
+      {"; top\n[a]\nk=1\nj=\"2\"\n\n; tail\n[b]\n", "a", "n", "3",
+       "; top\r\n[a]\r\nk=1\r\nj=\"2\"\r\nn=3\r\n\r\n; tail\r\n[b]\r\n"},
       {"[a]\r\nk=1\r\nj=2\r\n[b]\r\nk=3\r\n", "a", "k", std::nullopt, "[a]\r\nj=2\r\n[b]\r\nk=3\r\n"},
       {"[a]\r\nk=1\r\n[b]\r\nk=3\r\n[c]\r\n", "b", std::nullopt, std::nullopt, "[a]\r\nk=1\r\n[c]\r\n"},
       {"[a]\nk=1\nK=dup\n", "a", "K", "new", "[a]\r\nk=new\r\nK=dup\r\n"},

@@ -32,27 +32,6 @@ void SetModifiedTime(const std::string &path, std::int64_t seconds) {
   ASSERT_FALSE(failed) << failed.message();
 }
 
-TEST_F(Profile, WritesKeepOtherLinesAndReadBack) {
-  const std::string path = PathOf("admin.ini");
-  WriteFile(path, "; Administration\n[Users]\nALICE = 7424 ; trailing\nbob=\"1\"\n\n; tail\n[Other]\nx=1\n");
-  EXPECT_TRUE(ProfileWriteString("users", "Alice", "8000", path));
-  EXPECT_TRUE(ProfileWriteString("USERS", "carol", "'quoted'", path));
-  EXPECT_TRUE(ProfileWriteString("New Section", "key", " spaced ", path));
-  // Wine writes the whole file anew (blank lines dropped, a value's leading blanks too); what
-  // reads back is the same on both.
-  if (!tqv::testing::kWin32Backend) {
-    EXPECT_EQ(ReadFile(path),
-              "; Administration\r\n[Users]\r\nALICE=8000\r\nbob=\"1\"\r\ncarol='quoted'\r\n\r\n; tail\r\n"
-              "[Other]\r\nx=1\r\n[New Section]\r\nkey= spaced \r\n");
-  }
-  EXPECT_EQ(ReadString("users", "carol", path), "quoted");
-  EXPECT_EQ(ReadString("new section", "key", path), "spaced");
-  EXPECT_EQ(ReadString("Other", "x", path), "1");
-
-  EXPECT_EQ(ReadString("Users", "alice", path), "8000");
-  EXPECT_EQ(ProfileReadInt("Users", "ALICE", 0, path), 8000);
-}
-
 TEST_F(Profile, ReadStringCutsToTheBuffer) {
   const std::string path = PathOf("cut.ini");
   WriteFile(path, "[s]\nvalue=abcdef\nab=1\ncd=2\nab=3\n[t]\n[s]\nef=4\n");
