@@ -108,15 +108,6 @@ TEST_F(MessageStrings, TextsAreCutToTheCallersBufferAnd510BeforeTheNameGoesIn) {
   EXPECT_EQ(LookupString(3, 2048), std::string(254, 'n') + "!");
 }
 
-TEST_F(MessageStrings, GetStringSharesOneBufferThatTheNextCallReplaces) {
-  ASSERT_EQ(InitStringsByCode("Exchange", WriteStrings("[English]\nT901=Failed: \nT902=Fax to:\n"), "EN"), 0);
-  const std::string &first = GetString(901);
-  EXPECT_EQ(first, "Failed:");
-  const std::string &second = GetString(902);
-  EXPECT_EQ(&first, &second);
-  EXPECT_EQ(first, "Fax to:");
-}
-
 constexpr const char *kShippedFile = TQV_DATA_DIR "/tqstring.ini";
 // Long enough to show whether a text with the name still fits its room.
 constexpr const char *kTypicalMailSystem = "Microsoft Exchange";

@@ -107,10 +107,12 @@ TEST_F(ProfileConformance, SectionAndKeyNames) {
       {"k=before any section\n[s]\n", "s", "k", "default"},
       {"[s]\n\0k=v\n"s, "s", "k", "default"},
       // Listings: in file order, a duplicate section and its keys left out, an empty name kept.
-      {"orphan=1\n[Users]\nzeta=1\n; alpha=0\nAlpha=2\nZETA=3\n=4\n mid =5\n[Other]\n[users]\nlate=6\n",
+      {"orphan=1\n[Users]\nzeta=1\n; alpha=0\nAlpha=2\nZETA=3\n=4\n mid "
+       "=5\n[Other]\n[users]\nlate=6\n[OTHER]\n",
        std::nullopt, std::nullopt, "Users\0Other\0"s},
       {"[Users]\nzeta=1\n; alpha=0\nAlpha=2\nZETA=3\n=4\n mid =5\n[users]\nlate=6\n", "USERS", std::nullopt,
        "zeta\0Alpha\0\0mid\0"s},
+      {"[Other]\n[users]\nlate=6\n", "other", std::nullopt, ""},
   });
   CheckWrites({
       {"[s]\nk=1\n", "a]b", "k", "v", "[s]\r\nk=1\r\n[a]b]\r\nk=v\r\n"},
