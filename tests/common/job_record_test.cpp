@@ -5,7 +5,6 @@
 #include <string>
 
 #include "common/receive_record.h"
-#include "support/temp_dir.h"
 
 namespace tqv {
 namespace {
@@ -72,26 +71,6 @@ TEST(JobRecord, DamagedHeadersAndCountsAreRecognised) {
     view.SetNumber(job::FileCount, stored);
     EXPECT_EQ(view.UsableFileCount(), usable) << stored;
   }
-}
-
-class JobFileTest : public testing::TempDirTest {};
-
-TEST_F(JobFileTest, OnlyAWholeRecordIsRead) {
-  JobRecord record = JobRecord::WithTag(kFaxJobTag);
-  record.View().SetText(job::Subject, "whole");
-  const std::string path = PathOf("A.TQV");
-  ASSERT_TRUE(WriteJobFile(path, record));
-  EXPECT_EQ(ReadFile(path), record.Bytes());
-  ASSERT_TRUE(ReadJobFile(path).has_value());
-  EXPECT_EQ(ReadJobFile(path)->Bytes(), record.Bytes());
-
-  WriteFile(path, std::string(record.Bytes()) + "trailing bytes");
-  ASSERT_TRUE(ReadJobFile(path).has_value());
-  EXPECT_EQ(ReadJobFile(path)->Bytes(), record.Bytes());
-
-  WriteFile(path, record.Bytes().substr(0, kJobRecordSize - 1));
-  EXPECT_FALSE(ReadJobFile(path).has_value());
-  EXPECT_FALSE(ReadJobFile(PathOf("missing.TQV")).has_value());
 }
 
 }  // namespace
