@@ -145,7 +145,8 @@ TEST_F(AdminRequest, RefusedRequestsChangeNothing) {
       {"C=x", {rtf, rtf}, "", "E820 %d"},
       {"A=x,default", {PathOf("gone.tif")}, "", "E801 %d"},
       {"C=Memo", {rtf}, "", "E815 2", {"Saved Coverpage Attachments", "MaxFiles", "2", "10"}},
-      {"T=x", {Attach("big.rtf", std::string(1001, 'x'))}, "", "E811 1000", {"Saved Template Attachments", "MaxSize", "1", "2000"}},
+      {"T=x", {Attach("big.rtf", std::string(1001, 'x'))}, "", "E811 1000",
+       {"Saved Template Attachments", "MaxSize", "1", "2000"}},
       {"C=x", {Attach("x.doc", "{\\rtf}")}, "", "E810 %d"},
       {"A=x", {Attach("x.tif", "MM\0*")}, "", "E814 %d"},
       {"T=template", {rtf}, "", "E802 %d"},
@@ -160,7 +161,8 @@ TEST_F(AdminRequest, RefusedRequestsChangeNothing) {
       {form, {rtf}, "COVERPAGE:1\r\nC=" + std::string(600, 'x'), std::string(92, 'x')},
       {form, {rtf}, "SIGNATURE:1\r\nC=Letterhead\r\n", "SIGNATURE"},
       {form, {rtf}, "COVERPAGE:5\r\nC=Letterhead\r\nATTACHMENT:-1\r\nA=Terms\r\n", ""},
-      {form, {rtf}, "defaults:\r\nF=ACME\r\n;;" + std::string(507, '-') + "\r\n;;" + std::string(505, '-'), ""},
+      {form, {rtf}, "defaults:\r\nF=ACME\r\n;;" + std::string(507, '-') + "\r\n;;" + std::string(505, '-'),
+       ""},
       // clang-format on
   };
   for (const Case &c : cases) {
