@@ -154,6 +154,9 @@ TEST_F(ProfileConformance, WritesChangeOnlyTheirLine) {
       {"; top\n[a]\nk=1\nj=\"2\"\n\n; tail\n[b]\n", "a", "n", "3",
        "; top\r\n[a]\r\nk=1\r\nj=\"2\"\r\nn=3\r\n\r\n; tail\r\n[b]\r\n"},
       {"[a]\r\nk=1\r\nj=2\r\n[b]\r\nk=3\r\n", "a", "k", std::nullopt, "[a]\r\nj=2\r\n[b]\r\nk=3\r\n"},
+      // A removal takes every line of the key; with nothing to remove the file is not rewritten.
+      {"[a]\nk=1\n;note\nK=dup\nj=2\n", "A", "k", std::nullopt, "[a]\r\n;note\r\nj=2\r\n"},
+      {"[a]\nj=2\n", "a", "missing", std::nullopt, "[a]\nj=2\n"},
       {"[a]\r\nk=1\r\n[b]\r\nk=3\r\n[c]\r\n", "b", std::nullopt, std::nullopt, "[a]\r\nk=1\r\n[c]\r\n"},
       {"[a]\nk=1\nK=dup\n", "a", "K", "new", "[a]\r\nk=new\r\nK=dup\r\n"},
       {"[a]\n; note\n\n[b]\n", "A", "k", "new", "[a]\r\nk=new\r\n; note\r\n\r\n[b]\r\n"},
@@ -161,6 +164,8 @@ TEST_F(ProfileConformance, WritesChangeOnlyTheirLine) {
       {"k=before any section\n", "a", "k", "new", "k=before any section\r\n[a]\r\nk=new\r\n"},
       {"\x01\xff[\0\r\n[a]\nk=1\n"s, "a", "k", "new", "\x01\xff[\0\r\n[a]\r\nk=new\r\n"s},
   });
+  EXPECT_TRUE(ProfileWriteString("a", "k", std::nullopt, PathOf("missing.ini")));
+  EXPECT_FALSE(Exists(PathOf("missing.ini"))) << "a removal makes no file";
 }
 
 // A name that would read back as another line, or a value's line break, could plant a section.

@@ -78,25 +78,6 @@ TEST_F(Profile, MissingFilesKeysAndEmptyValues) {
   }
 }
 
-TEST_F(Profile, NoValueRemovesTheKeyAndNoKeyTheSection) {
-  const std::string path = PathOf("remove.ini");
-  WriteFile(path, "[a]\nk=1\n;note\nK=dup\nj=2\n[b]\nk=3\n");
-  EXPECT_TRUE(ProfileWriteString("A", "k", std::nullopt, path));
-  EXPECT_EQ(ProfileLookup("a", "k", path), std::nullopt);
-  EXPECT_EQ(ReadFile(path), "[a]\r\n;note\r\nj=2\r\n[b]\r\nk=3\r\n");
-  EXPECT_TRUE(ProfileWriteString("B", std::nullopt, std::nullopt, path));
-  EXPECT_EQ(ReadFile(path), "[a]\r\n;note\r\nj=2\r\n");
-
-  // Nothing to remove: the file is not rewritten, so its LF line ends stay.
-  WriteFile(path, "[a]\nj=2\n");
-  EXPECT_TRUE(ProfileWriteString("a", "missing", std::nullopt, path));
-  EXPECT_EQ(ReadFile(path), "[a]\nj=2\n");
-
-  const std::string missing = PathOf("missing.ini");
-  EXPECT_TRUE(ProfileWriteString("a", "k", std::nullopt, missing));
-  EXPECT_FALSE(Exists(missing));
-}
-
 TEST_F(Profile, WriteCreatesTheFileWhereItBelongsAndKeepsItsMode) {
   const std::string path = PathOf("new.ini");
   EXPECT_TRUE(ProfileWriteString("Saved Fax Attachments", "MaxFiles", "10", path));
