@@ -17,10 +17,10 @@
 
 #include "support/platform_backend.h"
 #include "support/temp_dir.h"
-#include "tqv/fax_service_simulator.h"
-#include "tqv/host_records.h"
+#include "tqv/host/fax_service_simulator.h"
+#include "tqv/host/host_records.h"
 #ifdef TQV_MAIL_BRIDGE
-#include "tqv/mail_in.h"
+#include "tqv/mail/mail_in.h"
 #endif
 
 namespace tqv::tool {
