@@ -119,6 +119,15 @@ TEST_F(ReceiveDirSecurity, LinksAndSpecialFilesAreRefusedUnreadAndWithoutWaiting
   ASSERT_EQ(0, ::mkfifo(PathOf("receive/FIFO.RCV").c_str(), 0600));
   EXPECT_EQ(0, Play());
   ExpectRefused("FIFO.RCV");
+
+  // The file layer takes a backslash for a separator: this name must not open ../OUT.RCV.
+  fs::create_directories(PathOf("receive/a"));
+  WriteFile(PathOf("OUT.RCV"), "Image=IN.TIF\r\n");
+  WriteFile(PathOf("receive/IN.TIF"), "II*inside");
+  WriteFile(PathOf("receive/a\\..\\..\\OUT.RCV"), "Image=NONE.TIF\r\n");
+  EXPECT_EQ(0, Play());
+  ExpectRefused("a\\..\\..\\OUT.RCV");
+  EXPECT_TRUE(Exists(PathOf("OUT.RCV")));
 #endif
 }
 

@@ -16,7 +16,6 @@
 #include "platform/file.h"
 #include "tqv/host/host_records.h"
 #include "tqv/host/loopback_line.h"
-#include "tqv/host/plain_file.h"
 #include "tqv/host/received_fax.h"
 #include "tqv/shared/display_text.h"
 
@@ -164,13 +163,20 @@ int PlayReceiveRequests(const EntryPoints &entries, const std::string &directory
     std::string error;
     bool held = false;
     std::optional<std::string> text;
-    if (std::optional<PlainFile> file = PlainFile::Open(request.string(), {false, true}, error, &held))
-      text = file->ReadAll(kMaxRequestBytes);
+    if (request.filename().string().find('\\') != std::string::npos) {
+      // The file layer takes "\" for a separator, so it would open some other file.
+      error = "its name holds a backslash";
+    } else if (std::optional<platform::File> file = platform::File::OpenExclusive(request.string())) {
+      text = file->ReadAll(kMaxRequestBytes + 1);
+      if (text && text->size() > kMaxRequestBytes) text.reset();
+    } else {
+      error = "it " + WhyNotOpened(request.string(), false, held);
+    }
     if (held) continue;  // its writer still holds it
     ReceivedFax fax;
     std::vector<fs::path> named{request};
     if (!text) {
-      error = "it " + (error.empty() ? std::string("cannot be read or is too long") : error);
+      if (error.empty()) error = "it cannot be read or is too long";
     } else if (ParseReceiveRequest(*text, request.parent_path(), fax, named, error) &&
                PlayReceivedFax(entries, fax, out, error)) {
       ++played;

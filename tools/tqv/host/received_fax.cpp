@@ -13,7 +13,6 @@
 #include "platform/file_system.h"
 #include "tqv/host/host_records.h"
 #include "tqv/host/loopback_line.h"
-#include "tqv/host/plain_file.h"
 
 namespace tqv::tool {
 
@@ -33,10 +32,13 @@ std::string NativePath(std::string_view windowsPath) {
 // `target` is the library's Windows-form name; it must not exist yet.
 bool CopyInto(std::string_view what, const std::string &source, bool followLinks, const std::string &target,
               std::string &error) {
-  std::string why;
-  std::optional<PlainFile> from = PlainFile::Open(source, {followLinks, false}, why);
+  std::optional<platform::File> from =
+      platform::File::Open(source, platform::FileAccess::Read, platform::FileSharing::ReadWrite,
+                           platform::FileCreation::OpenExisting,
+                           followLinks ? platform::FinalLink::Follow : platform::FinalLink::Refuse);
   if (!from) {
-    error = std::string(what) + " " + source + " " + why;
+    bool held = false;
+    error = std::string(what) + " " + source + " " + WhyNotOpened(source, followLinks, held);
     return false;
   }
   std::optional<platform::File> to = platform::File::Open(
@@ -58,6 +60,19 @@ bool CopyInto(std::string_view what, const std::string &source, bool followLinks
 }
 
 }  // namespace
+
+std::string WhyNotOpened(const std::string &path, bool linksFollowed, bool &held) {
+  held = false;
+  const std::optional<platform::EntryInfo> entry = platform::GetEntryInfo(path);
+  if (!entry) return "does not exist";
+  std::error_code failed;
+  const bool link = fs::is_symlink(fs::symlink_status(path, failed));
+  if (link && !linksFollowed) return "is a link";
+  if (link ? !fs::is_regular_file(fs::status(path, failed)) : !entry->isRegularFile)
+    return "is not a plain file";
+  held = true;
+  return "is still held by its writer";
+}
 
 std::string OcrTextPathFor(std::string_view faxFile) {
   const std::size_t separator = faxFile.find_last_of("\\/");

@@ -30,6 +30,11 @@ struct ReceivedFax {
   bool namedByRequest = false;
 };
 
+// Why `path` did not open as a plain file: "does not exist", "is a link" (unless links are
+// followed), "is not a plain file", or "is still held by its writer" with `held` set. The open does
+// not say why it failed; a plain file that will not open is taken as held, to be tried again later.
+std::string WhyNotOpened(const std::string &path, bool linksFollowed, bool &held);
+
 // The Windows-form path of the recognised text beside the fax image: same name, extension "TXT".
 std::string OcrTextPathFor(std::string_view faxFile);
 
