@@ -1,5 +1,6 @@
 // The simulated fax service against a scripted library: the calling order it owes the library,
-// the result fields it fills in, and that a job put back can never keep a cycle going.
+// the result fields it fills in, that a job put back can never keep a cycle going, and the
+// received faxes that requests in a directory ask for.
 #include "tqv/host/fax_service_simulator.h"
 
 #include <gtest/gtest.h>
@@ -11,6 +12,8 @@
 
 #include "common/job_record.h"
 #include "platform/clock.h"
+#include "platform/file.h"
+#include "tools/shared/receive_dir_test.h"
 
 namespace tqv::tool {
 namespace {
@@ -133,6 +136,31 @@ TEST_F(ScanCycle, EachJobIsHandedBackOnceAndAJobPutBackWaitsForTheNextCycle) {
   script_.calls.clear();
   Run();
   EXPECT_EQ(script_.calls[1], "accept C:\\PENDING\\AGAIN1.TQV") << "the next cycle takes it again";
+}
+
+using ReceiveRequests = testing::ReceiveDirTest;
+
+TEST_F(ReceiveRequests, EachIsPlayedOnceWhenItsWriterLetsGoAndBrokenOnesAreRemoved) {
+  WriteFile(PathOf("receive/A.TIF"), "II*image A");
+  WriteFile(PathOf("receive/A.RCV"), "Image=A.TIF\r\nCsid=+49 89 1\r\n");
+  WriteFile(PathOf("receive/B.RCV"), "Image=MISSING.TIF\r\n");
+  WriteFile(PathOf("receive/C.TIF"), "II*image C");
+  WriteFile(PathOf("receive/C.RCV"), "Csid=held\r\nImage=C.TIF\r\n");
+  std::optional<platform::File> held = platform::File::OpenExclusive(PathOf("receive/C.RCV"));
+  ASSERT_TRUE(held.has_value());
+
+  EXPECT_EQ(1, Play());
+  ASSERT_EQ(1u, faxes_.size());
+  EXPECT_EQ(std::make_pair(std::string("+49 89 1"), std::string("II*image A")), faxes_[0]);
+  EXPECT_FALSE(Exists(PathOf("receive/A.RCV")) || Exists(PathOf("receive/A.TIF")));
+  EXPECT_FALSE(Exists(PathOf("receive/B.RCV"))) << "a request that cannot be played must not come back";
+  EXPECT_TRUE(Exists(PathOf("receive/C.RCV")));
+
+  held.reset();
+  EXPECT_EQ(1, Play());
+  EXPECT_EQ("held", faxes_.back().first);
+  EXPECT_EQ(0, Play());
+  EXPECT_TRUE(std::filesystem::is_empty(PathOf("receive")));
 }
 
 }  // namespace
