@@ -17,10 +17,9 @@
 
 #include "support/platform_backend.h"
 #include "support/temp_dir.h"
-#include "tqv/fax_service_simulator.h"
-#include "tqv/host_records.h"
+#include "tools/shared/receive_dir_test.h"
 #ifdef TQV_MAIL_BRIDGE
-#include "tqv/mail_in.h"
+#include "tqv/mail/mail_in.h"
 #endif
 
 namespace tqv::tool {
@@ -28,53 +27,19 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// The images the library was handed; the library's side removes each after reading it.
-std::string *faxFileOfReceiver = nullptr;
-std::vector<std::string> *faxesReceived = nullptr;
-
-class ReceiveDirSecurity : public testing::TempDirTest {
+// Nothing was handed over, the file outside is untouched and the request is gone with a reason.
+class ReceiveDirSecurity : public testing::ReceiveDirTest {
  protected:
   void SetUp() override {
-    TempDirTest::SetUp();
-    faxFile_ = PathOf("6B000001.FAX");
-    faxFileOfReceiver = &faxFile_;
-    faxesReceived = &faxes_;
-    fs::create_directories(PathOf("receive"));
+    ReceiveDirTest::SetUp();
     WriteFile(PathOf("secret.tif"), "II*private");
-    entries_.createReceiveFaxFile = [](void *record) {
-      WriteText(static_cast<unsigned char *>(record), host_receive::FaxFile, *faxFileOfReceiver);
-      return 0;
-    };
-    entries_.faxReceived = [](void *) {
-      std::ifstream image(*faxFileOfReceiver, std::ios::binary);
-      faxesReceived->emplace_back(std::istreambuf_iterator<char>(image), std::istreambuf_iterator<char>());
-      image.close();
-      fs::remove(*faxFileOfReceiver);
-      return 0;
-    };
   }
-  void TearDown() override {
-    faxFileOfReceiver = nullptr;
-    faxesReceived = nullptr;
-    TempDirTest::TearDown();
-  }
-
-  int Play() {
-    out_.str("");
-    return PlayReceiveRequests(entries_, PathOf("receive"), out_);
-  }
-  // Nothing was handed over, the file outside is untouched and the request is gone with a reason.
   void ExpectRefused(const std::string &request) {
     EXPECT_TRUE(faxes_.empty()) << request;
     EXPECT_EQ("II*private", ReadFile(PathOf("secret.tif"))) << request;
     EXPECT_FALSE(Exists(PathOf("receive/" + request))) << request;
     EXPECT_NE(out_.str().find("request " + request + ": "), std::string::npos) << out_.str();
   }
-
-  std::string faxFile_;
-  std::vector<std::string> faxes_;
-  EntryPoints entries_;
-  std::ostringstream out_;
 };
 
 TEST_F(ReceiveDirSecurity, NamesThatLeaveTheDirectoryAreRefusedAndNothingOutsideIsDeleted) {
@@ -119,6 +84,15 @@ TEST_F(ReceiveDirSecurity, LinksAndSpecialFilesAreRefusedUnreadAndWithoutWaiting
   ASSERT_EQ(0, ::mkfifo(PathOf("receive/FIFO.RCV").c_str(), 0600));
   EXPECT_EQ(0, Play());
   ExpectRefused("FIFO.RCV");
+
+  // The file layer takes a backslash for a separator: this name must not open ../OUT.RCV.
+  fs::create_directories(PathOf("receive/a"));
+  WriteFile(PathOf("OUT.RCV"), "Image=IN.TIF\r\n");
+  WriteFile(PathOf("receive/IN.TIF"), "II*inside");
+  WriteFile(PathOf("receive/a\\..\\..\\OUT.RCV"), "Image=NONE.TIF\r\n");
+  EXPECT_EQ(0, Play());
+  ExpectRefused("a\\..\\..\\OUT.RCV");
+  EXPECT_TRUE(Exists(PathOf("OUT.RCV")));
 #endif
 }
 
@@ -142,76 +116,57 @@ std::optional<SenderLoginMap> LoginMap(std::string_view text) {
   return map;
 }
 
+// What the MTA said of a submission: its login and client address, with the trusted networks
+// and the login map that apply.
+SenderCheck Said(std::string login, std::string client, std::vector<const char *> trusted = {},
+                 std::optional<SenderLoginMap> map = std::nullopt) {
+  SenderCheck check{true, {}, std::move(map), std::move(login), std::move(client)};
+  for (const char *network : trusted)
+    check.trustedClients.push_back(*ClientNetwork::Parse(network));
+  return check;
+}
+
 TEST_F(MailSenderSecurity, OnlyTheSendersOwnLoginOrATrustedClientLetsItsMailIn) {
-  const auto trusted = [](std::initializer_list<const char *> networks) {
-    std::vector<ClientNetwork> list;
-    for (const char *network : networks)
-      list.push_back(*ClientNetwork::Parse(network));
-    return list;
-  };
-  const std::string officeMap = "anna@example.test fax-anna, backup  # her own\n@example.test office\n";
-  struct Case {
-    std::string name;
-    std::string envelopeSender;
+  const auto map = LoginMap("anna@example.test fax-anna, backup  # her own\n@example.test office\n");
+  const struct {
+    std::string name, envelopeSender;
     SenderCheck check;
     int exitCode;
-  };
-  const std::vector<Case> cases = {
+  } cases[] = {
       {"no check: anyone, as before", "anna@example.test", {}, 0},
-      {"forged, no login", "anna@example.test", {true, {}, {}, "", "203.0.113.9"}, kExitNoPermission},
-      {"forged, nothing known", "anna@example.test", {true, {}, {}, "", ""}, kExitNoPermission},
-      {"own login, domain in other case", "anna@EXAMPLE.test", {true, {}, {}, "anna@example.TEST", ""}, 0},
-      {"local part in other case",
-       "Anna@example.test",
-       {true, {}, {}, "anna@example.test", ""},
+      {"forged, no login", "anna@example.test", Said("", "203.0.113.9"), kExitNoPermission},
+      {"forged, nothing known", "anna@example.test", Said("", ""), kExitNoPermission},
+      {"own login, domain in other case", "anna@EXAMPLE.test", Said("anna@example.TEST", ""), 0},
+      {"local part in other case", "Anna@example.test", Said("anna@example.test", ""), kExitNoPermission},
+      {"someone else's login", "anna@example.test", Said("mallory@example.test", ""), kExitNoPermission},
+      {"bare login, no map", "anna@example.test", Said("anna", ""), kExitNoPermission},
+      {"null sender falls back to From:", "<>", Said("mallory@example.test", ""), kExitNoPermission},
+      {"listed client", "anna@example.test", Said("", "192.0.2.77", {"192.0.2.0/24"}), 0},
+      {"client outside the list", "anna@example.test", Said("", "192.0.3.1", {"192.0.2.0/24"}),
        kExitNoPermission},
-      {"someone else's login",
-       "anna@example.test",
-       {true, {}, {}, "mallory@example.test", ""},
+      {"listed IPv6 client", "anna@example.test", Said("", "2001:db8:7::5", {"2001:db8::/32"}), 0},
+      {"IPv4 client in mapped form", "anna@example.test", Said("", "::ffff:192.0.2.9", {"192.0.2.9"}), 0},
+      {"map: login for the address", "anna@example.test", Said("backup", "", {}, map), 0},
+      {"map: login for the domain", "bob@Example.Test", Said("office", "", {}, map), 0},
+      {"map: address entry wins over domain", "anna@example.test", Said("office", "", {}, map),
        kExitNoPermission},
-      {"bare login, no map", "anna@example.test", {true, {}, {}, "anna", ""}, kExitNoPermission},
-      {"null sender falls back to From:",
-       "<>",
-       {true, {}, {}, "mallory@example.test", ""},
-       kExitNoPermission},
-      {"listed client", "anna@example.test", {true, trusted({"192.0.2.0/24"}), {}, "", "192.0.2.77"}, 0},
-      {"client outside the list",
-       "anna@example.test",
-       {true, trusted({"192.0.2.0/24"}), {}, "", "192.0.3.1"},
-       kExitNoPermission},
-      {"listed IPv6 client",
-       "anna@example.test",
-       {true, trusted({"2001:db8::/32"}), {}, "", "2001:db8:7::5"},
-       0},
-      {"IPv4 client in mapped form",
-       "anna@example.test",
-       {true, trusted({"192.0.2.9"}), {}, "", "::ffff:192.0.2.9"},
-       0},
-      {"map: login for the address", "anna@example.test", {true, {}, LoginMap(officeMap), "backup", ""}, 0},
-      {"map: login for the domain", "bob@Example.Test", {true, {}, LoginMap(officeMap), "office", ""}, 0},
-      {"map: address entry wins over domain",
-       "anna@example.test",
-       {true, {}, LoginMap(officeMap), "office", ""},
-       kExitNoPermission},
-      {"map: login not listed",
-       "bob@example.test",
-       {true, {}, LoginMap(officeMap), "fax-anna", ""},
-       kExitNoPermission},
+      {"map: login not listed", "bob@example.test", Said("fax-anna", "", {}, map), kExitNoPermission},
   };
   const std::string mime =
       "From: Anna <anna@example.test>\nTo: 089123456@fax.example\nSubject: x\n\nPlease fax.\n";
-  for (const Case &c : cases) {
+  for (const auto &c : cases) {
+    SCOPED_TRACE(c.name);
     const std::size_t before = Messages();
     std::istringstream in(mime);
     std::ostringstream err;
     EXPECT_EQ(c.exitCode,
               RunMailIn(PathOf("out"), {c.envelopeSender, {"089123456@fax.example"}}, in, err, c.check))
-        << c.name << ": " << err.str();
-    EXPECT_EQ(before + (c.exitCode == 0 ? 1 : 0), Messages()) << c.name;
+        << err.str();
+    EXPECT_EQ(before + (c.exitCode == 0 ? 1 : 0), Messages());
     if (c.exitCode != 0) {
       const std::string reason = err.str();
-      EXPECT_EQ(0u, reason.rfind("tqv mail in: ", 0)) << c.name << ": " << reason;
-      EXPECT_EQ(1, std::count(reason.begin(), reason.end(), '\n')) << c.name << ": " << reason;
+      EXPECT_EQ(0u, reason.rfind("tqv mail in: ", 0)) << reason;
+      EXPECT_EQ(1, std::count(reason.begin(), reason.end(), '\n')) << reason;
     }
   }
 }
