@@ -9,7 +9,6 @@
 #include "common/receive_record.h"
 #include "config/service_state.h"
 #include "host/entry_points.h"
-#include "platform/clock.h"
 #include "support/installation.h"
 
 namespace tqv {
@@ -19,18 +18,14 @@ class HandOver : public testing::InstallationTest {
  protected:
   void SetUp() override {
     InstallationTest::SetUp();
-    platform::SetTickCountSource([this] { return tick; });
     ASSERT_EQ(host::Initialise(0, ""), 0);
   }
-  std::uint32_t tick = 1000;
 
   // A job of ann's with one document, stored as the pending job file `name`.
   JobRecord StoreJob(const std::string &name, const std::string &faxNumber) const {
     WriteFile(PathOf(name + ".tif"), "II*");
-    JobRecord job = JobRecord::WithTag(kFaxJobTag);
+    JobRecord job = FaxJob("ann", faxNumber);
     job.View().SetText(job::JobFile, PendingDir() + "\\" + name + ".TQV");
-    job.View().SetText(job::SenderEmail, "ann");
-    job.View().SetText(job::FaxNumber, faxNumber);
     job.View().SetNumber(job::FileCount, 1);
     job.View().SetText(job::File(0), PathOf(name + ".tif"));
     EXPECT_TRUE(WriteJobFile(job.View().Text(job::JobFile), job));

@@ -21,7 +21,6 @@ class PendingQueue : public testing::InstallationTest {
     InstallationTest::SetUp();
     std::filesystem::create_directories(PathOf("gw/out/PENDING"));
     platform::SetCurrentTimeSource([] { return kNow; });
-    platform::SetTickCountSource([this] { return tick; });
   }
 
   // A due fax job named `name` whose subject is its name, as the library writes it.
@@ -45,7 +44,6 @@ class PendingQueue : public testing::InstallationTest {
 
   std::map<std::string, JobRecord> jobs;
   std::array<unsigned char, kJobRecordSize> output{};
-  std::uint32_t tick = 1000;
 };
 
 TEST_F(PendingQueue, LastDueJobWinsAndTheNextCallTakesTheOther) {

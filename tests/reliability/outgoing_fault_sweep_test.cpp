@@ -12,6 +12,7 @@
 #include "common/job_record.h"
 #include "host/entry_points.h"
 #include "support/fault_sweep.h"
+#include "support/gateway_message.h"
 
 namespace tqv {
 namespace {
@@ -22,23 +23,19 @@ constexpr std::string_view kDocument = "%PDF-1.4 price list";
 constexpr std::string_view kText = "Please fax this.\r\n";
 
 // A message to one number by its address and one more by an option line, with one document.
-std::string GatewayMessage(std::string_view sender) {
-  const std::string body = "::Bob,0711 42\r\n" + std::string(kText);
-  return "MAIL FROM:" + std::string(sender) + "\r\nRCPT TO:089 123 456@fax\r\nSubject:Price list\r\n" +
-         "----beginbody:" + std::to_string(body.size()) + "\r\n" + body + "\r\n----endbody\r\n" +
-         "----beginattach:prices.pdf:" + std::to_string(kDocument.size()) + "\r\n" + std::string(kDocument) +
-         "\r\n----endattach\r\n";
+std::string GatewayMessage(const std::string &sender) {
+  return testing::GatewayMessage{.sender = sender,
+                                 .subject = "Price list",
+                                 .body = "::Bob,0711 42\r\n" + std::string(kText),
+                                 .attachments = {{"prices.pdf", std::string(kDocument)}}}
+      .Bytes();
 }
 
 class OutgoingFaultSweep : public testing::FaultSweepTest {
  protected:
   void InstallSender() const {
-    fs::create_directories(ProductDir() + "/COVER");
-    WriteFile(ProductDir() + "/COVER/memo.rtf", "{\\rtf memo}");
-    Install("T706=Sender may not fax\r\nT901=Failed: \r\n",
-            "[Recipient List]\r\nann@example.com=Ann Example\r\n[Recipients Properties]\r\n"
-            "ann@example.com=7425\r\n[ann@example.com]\r\nT_00000=TEMPLATE," +
-                ProductDir() + "/COVER/memo.rtf\r\nDefaultTemplate=TEMPLATE\r\n");
+    AddFaxingSender();
+    Install("T706=Sender may not fax\r\nT901=Failed: \r\n", "");
   }
   // The error reports of gateway-in that are whole: a fault may change what a report says (an
   // option file that cannot be read is reported as such), but a whole one ends with the document.
@@ -167,10 +164,10 @@ TEST_F(OutgoingFaultSweep, JobsOfTwoMessagesInOnePassNeverShareACopy) {
       [&] {
         InstallSender();
         WriteFile(GatewayOut() + "/MSG00001.TMP", GatewayMessage("ann@example.com"));
-        const std::string other = "Another text.\r\n";
         WriteFile(GatewayOut() + "/MSG00002.TMP",
-                  "MAIL FROM:ann@example.com\r\nRCPT TO:0711 99\r\nSubject:Other\r\n----beginbody:" +
-                      std::to_string(other.size()) + "\r\n" + other + "\r\n----endbody\r\n");
+                  testing::GatewayMessage{
+                      .recipients = {"0711 99"}, .subject = "Other", .body = "Another text.\r\n"}
+                      .Bytes());
       },
       [&] { Scan(); },
       [&](const testing::FaultPlan &) {

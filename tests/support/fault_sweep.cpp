@@ -60,7 +60,7 @@ void FaultSweepTest::Sweep(const Road &road) {
 
 void FaultSweepTest::Install(std::string_view texts, std::string_view database) const {
   WriteFile(ProductDir() + "/tqstring.ini", "[English]\r\n" + std::string(texts));
-  WriteFile(ProductDir() + "/tqvadmin.ini", database);
+  if (!database.empty()) WriteFile(ProductDir() + "/tqvadmin.ini", database);
   ASSERT_EQ(host::Initialise(0, ""), 0);
 }
 

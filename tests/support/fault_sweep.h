@@ -36,8 +36,8 @@ class FaultSweepTest : public InstallationTest {
   // Prints the road's file operations and the runs made.
   void Sweep(const Road &road);
 
-  // Writes the string file with these English texts and the administration database with these
-  // lines, then starts the library.
+  // Writes the string file with these English texts and, when lines are given, the administration
+  // database with them, then starts the library.
   void Install(std::string_view texts, std::string_view database) const;
   // One scan call as the fax service makes it, wanting no due jobs.
   static void Scan();
