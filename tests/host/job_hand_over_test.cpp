@@ -33,36 +33,6 @@ class HandOver : public testing::InstallationTest {
   }
 };
 
-TEST_F(HandOver, PendingJobComesBackFromScanAndIsTakenOver) {
-  JobRecord job = JobRecord::WithTag(kFaxJobTag);
-  job.View().SetText(job::JobFile, "C:\\OLD\\00000001.TQV");
-  job.View().SetText(job::FaxNumber, "089123456");
-  job.View().SetNumber(job::Status, 3u);
-  std::array<unsigned char, kJobRecordSize> hostBuffer{};
-  job.CopyTo(hostBuffer.data());
-
-  ASSERT_EQ(host::FaxPending(hostBuffer.data()), 0);
-  const std::string jobFile = JobRecordView(hostBuffer.data()).Text(job::JobFile);
-  EXPECT_EQ(jobFile.substr(0, PendingDir().size() + 1), PendingDir() + "\\");
-  EXPECT_EQ(jobFile.substr(jobFile.size() - 4), ".TQV");
-  EXPECT_EQ(ReadFile(Native(jobFile)),
-            std::string_view(reinterpret_cast<char *>(hostBuffer.data()), kJobRecordSize))
-      << "stored as the host left it, with its new file name";
-
-  std::array<unsigned char, kJobRecordSize> scanned{};
-  ASSERT_EQ(host::Scan(1, scanned.data()), 1);
-  EXPECT_EQ(scanned, hostBuffer);
-  EXPECT_EQ(host::ScannedEventAccepted(scanned.data()), 1);
-  EXPECT_FALSE(Exists(Native(jobFile)));
-  EXPECT_EQ(host::ScannedEventAccepted(scanned.data()), 0) << "the file is already gone";
-  EXPECT_EQ(host::Scan(1, scanned.data()), 0);
-
-  // Given back twice, the job is stored twice: the host removes the first through the acceptance.
-  ASSERT_EQ(host::FaxPending(hostBuffer.data()), 0);
-  ASSERT_EQ(host::FaxPending(hostBuffer.data()), 0);
-  EXPECT_EQ(std::distance(std::filesystem::directory_iterator(PathOf("gw/out/PENDING")), {}), 2);
-}
-
 TEST_F(HandOver, PendingFailsWhenNoJobFileCanBeCreated) {
   JobRecord job = JobRecord::WithTag(kFaxJobTag);
   job.View().SetText(job::JobFile, "C:\\OLD\\00000001.TQV");
