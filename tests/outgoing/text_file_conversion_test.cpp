@@ -103,24 +103,6 @@ TEST_F(TextFileConversion, FilesThatCannotBeFaxedLeaveAnErrorFileOrOnlyTheirWork
   }
 }
 
-TEST_F(TextFileConversion, ResultFilesComeBackBesideTheSourceUnderFreeNames) {
-  WriteFile(Order(), "::0711 42\r\n::0711 43\r\nOrder text\r\n");
-  ScanLater();
-  ASSERT_EQ(PendingJobs().size(), 2u);
-  for (int sent = 0; sent < 2; ++sent) {
-    std::array<unsigned char, kJobRecordSize> buffer{};
-    ASSERT_EQ(host::Scan(1, buffer.data()), 1);
-    host::ScannedEventAccepted(buffer.data());
-    JobRecordView(buffer.data()).SetNumber(job::Status, kStatusDelivered);
-    host::FaxSent(buffer.data());
-  }
-  EXPECT_EQ(TextDirNames(), (std::vector<std::string>{"ORDER.OK", "ORDER1.OK"}));
-  const std::string first = ReadFile(TextDir() + "/ORDER.OK");
-  EXPECT_NE(first.find("Order text\r\n"), std::string::npos) << "the first result carries the text";
-  EXPECT_EQ(ReadFile(TextDir() + "/ORDER1.OK").find("Order text"), std::string::npos)
-      << "the working copy went with the first result";
-}
-
 TEST_F(TextFileConversion, SavedAttachmentRidesAlongAndTheSourceStillGoesOnce) {
   WriteFile(ProductDir() + "/terms.pdf", "%PDF terms");
   WriteFile(ProductDir() + "/tqvadmin.ini", "[TEXTFILE]\r\nA_00000=terms," + ProductDir() + "/terms.pdf\r\n");

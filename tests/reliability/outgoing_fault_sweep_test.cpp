@@ -77,27 +77,32 @@ class OutgoingFaultSweep : public testing::FaultSweepTest {
   // The documents the jobs name: each holds what it should, or is missing because its copy failed.
   // That copy is the one file operation that makes it, so under a single fault it may be the only
   // thing missing in the run. No two jobs name the same file: the first to finish would delete it.
-  std::size_t CountMissingDocuments(const std::map<std::string, JobRecord> &jobs) const {
+  // `baseline` takes the recipients of the run without faults; whether every one has its job here.
+  bool ExpectDocumentsWhole(const testing::FaultPlan &plan, const std::map<std::string, JobRecord> &jobs,
+                            std::set<std::string> &baseline, std::size_t &missing) const {
     std::vector<std::pair<std::string, std::string_view>> named;
     for (const auto &[recipient, record] : jobs) {
+      if (!plan.Faulted()) baseline.insert(recipient);
       const JobRecordView job = record.View();
       if (!job.Text(job::MessageTextFile).empty()) named.emplace_back(job.Text(job::MessageTextFile), kText);
       for (int i = 0; i < job.UsableFileCount(); ++i)
         named.emplace_back(job.Text(job::File(i)), job.IsTextFileJob() ? kText : kDocument);
     }
     std::set<std::string> paths;
-    for (const auto &document : named) {
-      EXPECT_TRUE(paths.insert(document.first).second) << "two jobs name " << document.first;
-    }
-    std::size_t missing = 0;
+    missing = 0;
     for (const auto &[path, expected] : named) {
+      EXPECT_TRUE(paths.insert(path).second) << "two jobs name " << path;
       if (!Exists(Native(path))) {
         ++missing;
         continue;
       }
       EXPECT_EQ(ReadFile(Native(path)), expected) << path;
     }
-    return missing;
+    const bool allJobs = std::all_of(baseline.begin(), baseline.end(),
+                                     [&](const std::string &recipient) { return jobs.contains(recipient); });
+    EXPECT_TRUE(missing == 0 || (!plan.toTheEnd && missing == 1 && allJobs))
+        << missing << " documents missing";
+    return allJobs;
   }
 };
 
@@ -116,15 +121,9 @@ TEST_F(OutgoingFaultSweep, AMessageIsNeverGoneWithoutItsJobsItsReportOrAnEvent) 
         if (!plan.Faulted()) {
           ASSERT_EQ(jobs.size(), 2u);
           ASSERT_EQ(reports, 0u);
-          for (const auto &job : jobs)
-            recipients.insert(job.first);
         }
-        const std::size_t missing = CountMissingDocuments(jobs);
-        const bool allJobs =
-            std::all_of(recipients.begin(), recipients.end(),
-                        [&](const std::string &recipient) { return jobs.contains(recipient); });
-        EXPECT_TRUE(missing == 0 || (!plan.toTheEnd && missing == 1 && allJobs))
-            << missing << " documents missing";
+        std::size_t missing = 0;
+        const bool allJobs = ExpectDocumentsWhole(plan, jobs, recipients, missing);
         runsWithFailedCopy += missing > 0 ? 1 : 0;
         ExpectReportWholeOrAnEvent(0, "ann@example.com");
         if (!Exists(GatewayOut() + "/MSG00001.TMP")) {
@@ -198,14 +197,9 @@ TEST_F(OutgoingFaultSweep, ATextFileIsNeverGoneWithoutItsJobsItsErrorFileOrAnEve
         const std::map<std::string, JobRecord> jobs = WholeJobs(plan);
         if (!plan.Faulted()) {
           ASSERT_EQ(jobs.size(), 2u);
-          for (const auto &job : jobs)
-            numbers.insert(job.first);
         }
-        const std::size_t missing = CountMissingDocuments(jobs);
-        const bool allJobs = std::all_of(numbers.begin(), numbers.end(),
-                                         [&](const std::string &number) { return jobs.contains(number); });
-        EXPECT_TRUE(missing == 0 || (!plan.toTheEnd && missing == 1 && allJobs))
-            << missing << " documents missing";
+        std::size_t missing = 0;
+        const bool allJobs = ExpectDocumentsWhole(plan, jobs, numbers, missing);
         if (!Exists(PathOf("text/ORDER.TXT"))) {
           EXPECT_TRUE(allJobs || Exists(PathOf("text/ORDER.ERR")) || EventNames({"ORDER.TXT"}))
               << jobs.size() << " of " << numbers.size() << " jobs, and no event\n"

@@ -47,10 +47,8 @@ class FaultSweepTest : public InstallationTest {
   // True when an event names every one of the words. Always true on the Win32 backend, whose
   // event log the suite cannot read back.
   bool EventNames(const std::vector<std::string> &words) const;
-  // The events of this run, each "type\tsource\tmessage".
-  std::vector<std::string> SweepEvents() const;
-  // The events so far, one a line, for failure messages.
-  std::string EventList() const;
+  // The events of this run so far, each "type\tsource\tmessage" on a line, for failure messages.
+  std::string EventList() const { return ReadFile(PathOf("sweep-events.log")); }
   // Each file of gateway-in is a whole message: its header lines, and every block with its data
   // and end line. A message that could not be written whole must not be there at all, unless the
   // disk refused its removal too (every operation failing to the end).
