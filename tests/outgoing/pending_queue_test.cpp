@@ -101,19 +101,11 @@ TEST_F(PendingQueue, UnusableJobFilesAreSkippedAndKept) {
   Store("A.TQV");
   const std::string path = PathOf("gw/out/PENDING/A.TQV");
   const std::string whole = ReadFile(path);
-
-  WriteFile(path, whole.substr(0, kJobRecordSize - 1));
-  EXPECT_EQ(Select(1), "");
+  // What makes a record whole or damaged is JobRecord's; here only that a damaged one is passed over.
   WriteFile(path, "KVDTQVOUt" + whole.substr(9));
   EXPECT_EQ(Select(1), "");
-  JobRecord wrongSize = jobs["A.TQV"];
-  wrongSize.View().SetNumber(job::RecordSize, 8268u);
-  WriteFile(path, wrongSize.Bytes());
-  EXPECT_EQ(Select(1), "");
   EXPECT_TRUE(Exists(path));
-
-  WriteFile(path, whole + "more");
-  EXPECT_EQ(Select(1), "A.TQV") << "a longer file is judged by its first record";
+  WriteFile(path, whole);
   {
     auto held = platform::File::OpenExclusive(path);
     ASSERT_TRUE(held.has_value());

@@ -26,9 +26,6 @@ class ReportsSecurity : public testing::ReportTest {
  protected:
   void SetUp() override {
     ReportTest::SetUp();
-    WriteFile(ProductDir() + "/tqstring.ini",
-              std::string(testing::kReportStrings) +
-                  "T660=Unknown station\r\nT720=Unknown option %s\r\nT903=\"fax from \"\r\n");
     WriteFile(ProductDir() + "/tqvadmin.ini",
               "[Recipient List]\r\nann=Ann\r\n[Recipients Properties]\r\nann=7425\r\n");
   }
