@@ -45,14 +45,6 @@ class SharedDirectoriesSecurity : public testing::InstallationTest {
       if (event.find("not a plain file") != std::string::npos) notices.push_back(event);
     return notices;
   }
-
-  // A due job that names itself: whole and valid, so only its being a link keeps it back.
-  static JobRecord ForgedJob(const std::string &jobFile) {
-    JobRecord record = FaxJob("ann@example.com", "0711 666");
-    record.View().SetText(job::JobFile, jobFile);
-    record.View().SetNumber(job::SkipQueue, 1u);
-    return record;
-  }
 };
 
 // A FIFO blocks an open until its other end is opened, /dev/zero never ends: either would stop
@@ -86,12 +78,15 @@ TEST_F(SharedDirectoriesSecurity, SpecialFilesNeverHoldUpTheScanAndWhatFollowsIs
 // file, read as a voicemail description. Each link is left where it is and reported once.
 TEST_F(SharedDirectoriesSecurity, LinksInInputDirectoriesAreLeftAloneAndNoticedOnceEach) {
   TQV_SKIP_ON_WIN32("links need privileges on Windows");
+  // A due job that names itself: whole and valid, so only its being a link keeps it back.
+  JobRecord forged = FaxJob("ann@example.com", "0711 666");
+  forged.View().SetText(job::JobFile, PendingDir() + "\\00000001.TQV");
+  forged.View().SetNumber(job::SkipQueue, 1u);
   const std::vector<std::pair<std::string, std::string>> planted = {
       {GatewayOut() + "/MSG00001.TMP", testing::GatewayMessage{.body = "Text"}.Bytes()},
       {TextDir() + "/ORDER.TXT", "::0711 42\r\nSecret\r\n"},
       {VoiceDir() + "/00120005.ID", "[Info]\r\nDuration=3\r\nDigits=4711\r\n"},
-      {Native(PendingDir()) + "/00000001.TQV",
-       std::string(ForgedJob(PendingDir() + "\\00000001.TQV").Bytes())},
+      {Native(PendingDir()) + "/00000001.TQV", std::string(forged.Bytes())},
   };
   for (std::size_t i = 0; i < planted.size(); ++i) {
     WriteFile(Outside(std::to_string(i)), planted[i].second);
