@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
-#include <functional>
 
 #include "config/service_state.h"
 #include "host/entry_points.h"
@@ -35,75 +34,55 @@ TEST_F(StartUp, CreatesItsDirectoriesOneLevelEach) {
   EXPECT_EQ(platform::ProfileLookup("Saved Coverpage Attachments", "MaxFiles", ConfigFile()), "10");
 }
 
+// Each case breaks a fresh installation by a [Directories] setting, a file removed or a file in a
+// directory's way (none of these: the machine file names no product directory) and names the one
+// error event it expects; {P} is the product directory, {G} the gateway directories' parent.
 TEST_F(StartUp, StopsAtTheFirstFailureWithItsMessage) {
-  // Each case breaks a fresh installation and names the one error event it expects.
   const struct {
-    const char *what;
-    std::function<std::string()> breakIt;
+    const char *what, *setting, *value, *removed, *blocked, *event;
   } cases[] = {
-      {"no product directory",
-       [&] {
-         platform::ProfileWriteString("Corvanta", "Directory", "", WinDir() + "/Corvanta/TQVMSERV.INI");
-         return std::string("Please start administrator before runnig Corvanta");
-       }},
-      {"no string file",
-       [&] {
-         fs::remove(ProductDir() + "/tqstring.ini");
-         return "File '" + ProductDir() + "\\tqstring.ini' does not exist. The service cannot be launched";
-       }},
-      {"no gateway-in",
-       [&] {
-         SetConfig("Directories", "GatewayIn", "");
-         return std::string("Gateway-in-directory cannot be retrieved");
-       }},
-      {"no gateway-out",
-       [&] {
-         SetConfig("Directories", "GatewayOut", "");
-         return std::string("Gateway-out-directory cannot be retrieved");
-       }},
-      {"gateway-out missing",
-       [&] {
-         fs::remove(GatewayOut());
-         return "In-Directory '" + GatewayIn() + "' or Out-Directory '" + GatewayOut() + "' does not exist";
-       }},
-      {"pending blocked by a file",
-       [&] {
-         WriteFile(GatewayOut() + "/PENDING", "x");
-         return "Pending-Directory '" + GatewayOut() + "\\PENDING' could not be created";
-       }},
-      {"temp blocked by a file",
-       [&] {
-         WriteFile(ProductDir() + "/TEMP", "x");
-         return "Temp-Directory '" + ProductDir() + "\\TEMP' could not be created";
-       }},
-      {"work directory blocked by a file",
-       [&] {
-         fs::create_directory(ProductDir() + "/TEMP");
-         WriteFile(ProductDir() + "/TEMP/TQVSPOOL", "x");
-         return "Temp-Directory '" + ProductDir() + "\\TEMP\\TQVSPOOL' could not be created";
-       }},
-      {"cover directory two levels deep",
-       [&] {
-         SetConfig("Directories", "CoverDir", ProductDir() + "/A/B");
-         return "Cover-Directory '" + ProductDir() + "/A/B' could not be created";
-       }},
-      {"attachment directory blocked",
-       [&] {
-         WriteFile(ProductDir() + "/ATTACH", "x");
-         return "Attachment-Directory '" + ProductDir() + "\\ATTACH' could not be created";
-       }},
-      {"temp-in blocked",
-       [&] {
-         WriteFile(PathOf("gw/TEMP"), "x");
-         return "Temp-In-Directory '" + PathOf("gw/TEMP") + "' could not be created";
-       }},
+      {"no product directory", nullptr, nullptr, nullptr, nullptr,
+       "Please start administrator before runnig Corvanta"},
+      {"no string file", nullptr, nullptr, "product/tqstring.ini", nullptr,
+       "File '{P}\\tqstring.ini' does not exist. The service cannot be launched"},
+      {"no gateway-in", "GatewayIn", "", nullptr, nullptr, "Gateway-in-directory cannot be retrieved"},
+      {"no gateway-out", "GatewayOut", "", nullptr, nullptr, "Gateway-out-directory cannot be retrieved"},
+      {"gateway-out missing", nullptr, nullptr, "gw/out", nullptr,
+       "In-Directory '{G}/in' or Out-Directory '{G}/out' does not exist"},
+      {"pending blocked", nullptr, nullptr, nullptr, "gw/out/PENDING",
+       "Pending-Directory '{G}/out\\PENDING' could not be created"},
+      {"temp blocked", nullptr, nullptr, nullptr, "product/TEMP",
+       "Temp-Directory '{P}\\TEMP' could not be created"},
+      {"work directory blocked", nullptr, nullptr, nullptr, "product/TEMP/TQVSPOOL",
+       "Temp-Directory '{P}\\TEMP\\TQVSPOOL' could not be created"},
+      {"cover directory two levels deep", "CoverDir", "{P}/A/B", nullptr, nullptr,
+       "Cover-Directory '{P}/A/B' could not be created"},
+      {"attachment directory blocked", nullptr, nullptr, nullptr, "product/ATTACH",
+       "Attachment-Directory '{P}\\ATTACH' could not be created"},
+      {"temp-in blocked", nullptr, nullptr, nullptr, "gw/TEMP",
+       "Temp-In-Directory '{G}/TEMP' could not be created"},
   };
   for (const auto &c : cases) {
+    SCOPED_TRACE(c.what);
     TearDown();
     SetUp();
-    const std::string event = c.breakIt();
-    EXPECT_EQ(host::Initialise(0, ""), -1) << c.what;
-    EXPECT_EQ(Events(), std::vector<std::string>{"1\tCorvanta FAX Service\t" + event}) << c.what;
+    const auto expand = [&](std::string text) {
+      for (const auto &[mark, path] : {std::pair{"{P}", ProductDir()}, std::pair{"{G}", PathOf("gw")}}) {
+        for (std::size_t at = text.find(mark); at != std::string::npos; at = text.find(mark))
+          text.replace(at, 3, path);
+      }
+      return text;
+    };
+    if (c.setting) SetConfig("Directories", c.setting, expand(c.value));
+    if (c.removed) fs::remove(PathOf(c.removed));
+    if (c.blocked) {
+      fs::create_directories(fs::path(PathOf(c.blocked)).parent_path());
+      WriteFile(PathOf(c.blocked), "x");
+    }
+    if (!c.setting && !c.removed && !c.blocked)
+      platform::ProfileWriteString("Corvanta", "Directory", "", WinDir() + "/Corvanta/TQVMSERV.INI");
+    EXPECT_EQ(host::Initialise(0, ""), -1);
+    EXPECT_EQ(Events(), std::vector<std::string>{"1\tCorvanta FAX Service\t" + expand(c.event)});
   }
 }
 

@@ -18,8 +18,6 @@ class ReceivedFaxDelivery : public testing::ReportTest {
  protected:
   void SetUp() override {
     ReportTest::SetUp();
-    WriteFile(ProductDir() + "/tqstring.ini",
-              std::string(testing::kReportStrings) + "T660=Unknown station\r\nT903=\"fax from \"\r\n");
     WriteFile(ProductDir() + "/tqvadmin.ini",
               "[Recipient List]\r\nann=Ann\r\nbob=Bob\r\n[Recipients Properties]\r\nann=0\r\nbob=0\r\n"
               "[Routing]\r\nCSID_00000=bob,+49 89 1234\r\nCSID_00001=ann,+4989 1234\r\n");

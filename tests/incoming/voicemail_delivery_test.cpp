@@ -18,11 +18,6 @@ namespace {
 
 class VoicemailDelivery : public testing::ReportTest {
  protected:
-  void SetUp() override {
-    ReportTest::SetUp();
-    WriteFile(ProductDir() + "/tqstring.ini",
-              std::string(testing::kReportStrings) + "T4400=New voicemail\r\n");
-  }
   std::string Voice(const std::string &name) const { return PathOf("product/VOICE/" + name); }
   std::string VoicePath(const std::string &name) const { return ProductDir() + "\\VOICE\\" + name; }
   void Record(const std::string &name, const std::string &info) const {

@@ -68,17 +68,14 @@ TEST_F(DialStrings, JfaxPatternsSelectNumbersAndGiveTheirMailAddress) {
     EXPECT_EQ(IsJfaxNumber(c.number, "00"), c.jfax) << c.number << " with " << c.dial0 << "/" << c.dial1;
   }
 
-  std::string number = "+44 20 794 600";
-  MakeJfaxAddress(number, "00", kDialStringRoom);
-  EXPECT_EQ(number, std::string("4420794600@") + kDefaultJfaxDomain);
+  const auto address = [](std::string number) {
+    MakeJfaxAddress(number, "00", kDialStringRoom);
+    return number;
+  };
+  EXPECT_EQ(address("+44 20 794 600"), std::string("4420794600@") + kDefaultJfaxDomain);
   SetConfig("JFAX Dial", "Domain", " fax.example\t. org ");
-  number = "0044 20-794";
-  MakeJfaxAddress(number, "00", kDialStringRoom);
-  EXPECT_EQ(number, "4420794@fax.example.org");
-  // No room for the domain: digits only.
-  number = std::string(80, '1');
-  MakeJfaxAddress(number, "00", kDialStringRoom);
-  EXPECT_EQ(number, std::string(80, '1'));
+  EXPECT_EQ(address("0044 20-794"), "4420794@fax.example.org");
+  EXPECT_EQ(address(std::string(80, '1')), std::string(80, '1')) << "no room for the domain: digits only";
 }
 
 TEST_F(DialStrings, AddressesGiveNumberAndDisplayNameParts) {

@@ -21,15 +21,17 @@ class PendingQueue : public testing::InstallationTest {
     InstallationTest::SetUp();
     std::filesystem::create_directories(PathOf("gw/out/PENDING"));
     platform::SetCurrentTimeSource([] { return kNow; });
-    platform::SetTickCountSource([this] { return tick; });
   }
 
-  // A due fax job named `name` whose subject is its name, as the library writes it.
-  JobRecord &Job(const std::string &name) {
-    JobRecord &record = jobs[name] = JobRecord::WithTag(kFaxJobTag);
-    record.View().SetText(job::Subject, name);
-    record.View().SetText(job::JobFile, PendingDir() + "\\" + name);
-    return record;
+  // A fax job named `name` whose subject is its name, as the library writes it, stored; due unless
+  // scheduled `delay` seconds from now. Changes to it are stored by Store.
+  JobRecordView Job(const std::string &name, std::int64_t delay = 0) {
+    JobRecordView job = (jobs[name] = JobRecord::WithTag(kFaxJobTag)).View();
+    job.SetText(job::Subject, name);
+    job.SetText(job::JobFile, PendingDir() + "\\" + name);
+    if (delay != 0) job.SetNumber(job::ScheduledTime, static_cast<std::int32_t>(kNow + delay));
+    Store(name);
+    return job;
   }
   void Store(const std::string &name) {
     ASSERT_TRUE(WriteJobFile(PathOf("gw/out/PENDING/" + name), jobs[name]));
@@ -45,14 +47,12 @@ class PendingQueue : public testing::InstallationTest {
 
   std::map<std::string, JobRecord> jobs;
   std::array<unsigned char, kJobRecordSize> output{};
-  std::uint32_t tick = 1000;
 };
 
 TEST_F(PendingQueue, LastDueJobWinsAndTheNextCallTakesTheOther) {
   EXPECT_EQ(Select(1), "");
   Job("A.TQV");
-  Store("A.TQV");
-  Job("B.TQV").View().SetNumber(job::ScheduledTime, static_cast<std::int32_t>(kNow));
+  Job("B.TQV").SetNumber(job::ScheduledTime, static_cast<std::int32_t>(kNow));
   Store("B.TQV");
   EXPECT_EQ(Select(1), "B.TQV");
   EXPECT_EQ(std::string_view(reinterpret_cast<char *>(output.data()), kJobRecordSize), jobs["B.TQV"].Bytes());
@@ -63,25 +63,20 @@ TEST_F(PendingQueue, LastDueJobWinsAndTheNextCallTakesTheOther) {
 }
 
 TEST_F(PendingQueue, SkipQueueAndEarlyJobsIgnoreScheduleAndFlag) {
-  Job("A.TQV").View().SetNumber(job::ScheduledTime, static_cast<std::int32_t>(kNow + 86400));
-  jobs["A.TQV"].View().SetText(job::CoverPageFile, "C:\\COVER\\FRONT.CVF");
+  Job("A.TQV", 86400).SetText(job::CoverPageFile, "C:\\COVER\\FRONT.CVF");
   Store("A.TQV");
   EXPECT_EQ(Select(0), "A.TQV") << "an early job scheduled tomorrow";
 
-  Job("B.TQV").View().SetNumber(job::ScheduledTime, static_cast<std::int32_t>(kNow + 86400));
-  jobs["B.TQV"].View().SetNumber(job::SkipQueue, 1u);
+  Job("B.TQV", 86400).SetNumber(job::SkipQueue, 1u);
   Store("B.TQV");
   Job("C.TQV");
-  Store("C.TQV");
   EXPECT_EQ(Select(0), "B.TQV");
   EXPECT_EQ(Select(1), "B.TQV") << "a skip-queue job ends the search at once";
 }
 
 TEST_F(PendingQueue, EarlyJobsAfterADueJobAreJudgedByTheirSchedule) {
   Job("A.TQV");
-  Store("A.TQV");
-  JobRecordView late = Job("B.TQV").View();
-  late.SetNumber(job::ScheduledTime, static_cast<std::int32_t>(kNow + 60));
+  JobRecordView late = Job("B.TQV", 60);
   late.SetNumber(job::FileCount, 1);
   late.SetText(job::File(0), "C:\\X\\PAGE.cvf");
   Store("B.TQV");
@@ -100,22 +95,13 @@ TEST_F(PendingQueue, EarlyJobsAfterADueJobAreJudgedByTheirSchedule) {
 
 TEST_F(PendingQueue, UnusableJobFilesAreSkippedAndKept) {
   Job("A.TQV");
-  Store("A.TQV");
   const std::string path = PathOf("gw/out/PENDING/A.TQV");
   const std::string whole = ReadFile(path);
-
-  WriteFile(path, whole.substr(0, kJobRecordSize - 1));
-  EXPECT_EQ(Select(1), "");
+  // What makes a record whole or damaged is JobRecord's; here only that a damaged one is passed over.
   WriteFile(path, "KVDTQVOUt" + whole.substr(9));
   EXPECT_EQ(Select(1), "");
-  JobRecord wrongSize = jobs["A.TQV"];
-  wrongSize.View().SetNumber(job::RecordSize, 8268u);
-  WriteFile(path, wrongSize.Bytes());
-  EXPECT_EQ(Select(1), "");
   EXPECT_TRUE(Exists(path));
-
-  WriteFile(path, whole + "more");
-  EXPECT_EQ(Select(1), "A.TQV") << "a longer file is judged by its first record";
+  WriteFile(path, whole);
   {
     auto held = platform::File::OpenExclusive(path);
     ASSERT_TRUE(held.has_value());
@@ -127,8 +113,7 @@ TEST_F(PendingQueue, UnusableJobFilesAreSkippedAndKept) {
 }
 
 TEST_F(PendingQueue, SchedulingNoticeAtMostOncePerMinute) {
-  Job("A.TQV").View().SetNumber(job::ScheduledTime, static_cast<std::int32_t>(kNow + 100));
-  Store("A.TQV");
+  Job("A.TQV", 100);
   // With the switch off the notice is not written, but its timer still starts.
   EXPECT_EQ(Select(1), "");
   SetConfig("Debug", "Scheduling", "1");

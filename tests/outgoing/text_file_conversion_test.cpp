@@ -10,7 +10,6 @@
 
 #include "common/job_record.h"
 #include "host/entry_points.h"
-#include "platform/clock.h"
 #include "support/installation.h"
 
 namespace tqv {
@@ -26,26 +25,18 @@ class TextFileConversion : public testing::InstallationTest {
               "[English]\r\nT428=No recipient\r\nT716=Recipients: %d\r\nT720=Unknown option %s\r\nT900=OK: "
               "\r\nT901=Failed: \r\n");
     fs::create_directories(TextDir());
-    platform::SetTickCountSource([this] { return tick; });
     ASSERT_EQ(host::Initialise(1, TextDir().c_str()), 0);
   }
 
   std::string TextDir() const { return PathOf("text"); }
   std::string Order() const { return TextDir() + "/ORDER.TXT"; }
 
-  void Scan() {
-    tick += 20000;
-    std::array<unsigned char, kJobRecordSize> buffer{};
-    host::Scan(0, buffer.data());
-  }
   std::vector<std::string> TextDirNames() const { return FileNames(TextDir()); }
-
-  std::uint32_t tick = 1000;
 };
 
 TEST_F(TextFileConversion, EachRecipientLineBecomesAQueuedJobWithTheTextAsItsDocument) {
   WriteFile(Order(), "::Smith,ACME,0711 42\r\n::Jones,0711 43\r\n::s,h\r\nPlease deliver 40 bearings.\r\n");
-  Scan();
+  ScanLater();
   const std::vector<JobRecord> jobs = PendingJobs();
   ASSERT_EQ(jobs.size(), 2u);
   for (const JobRecord &record : jobs) {
@@ -71,77 +62,52 @@ TEST_F(TextFileConversion, JfaxPatternMakesAJfaxJob) {
   SetConfig("JFAX Dial", "Dial0", "+44");
   SetConfig("JFAX Dial", "Domain", "jfax.example");
   WriteFile(Order(), "::+44 20 794 600\r\nText\r\n");
-  Scan();
+  ScanLater();
   ASSERT_EQ(PendingJobs().size(), 1u);
   EXPECT_EQ(PendingJobs()[0].View().Raw(job::Tag), kJfaxJobTag);
   EXPECT_EQ(PendingJobs()[0].View().Text(job::FaxNumber), "4420794600@jfax.example");
 }
 
+// A file that makes no job leaves an error file with the reason, three line breaks and the file as
+// it was, or only its working copy when it holds no option line, or nothing when it holds no text.
 TEST_F(TextFileConversion, FilesThatCannotBeFaxedLeaveAnErrorFileOrOnlyTheirWorkingCopy) {
-  // No option line at all: nothing to fax, the text stays as the working copy.
-  WriteFile(Order(), "Just text\r\n");
-  Scan();
-  EXPECT_TRUE(PendingJobs().empty());
-  EXPECT_EQ(TextDirNames(), std::vector<std::string>{"ORDER.TMP"});
-  fs::remove(TextDir() + "/ORDER.TMP");
-
-  // A bad option: the error file holds the reason, three line breaks and the file as it was.
-  const std::string bad = "::S\r\nText\r\n";
-  WriteFile(Order(), bad);
-  Scan();
-  EXPECT_TRUE(PendingJobs().empty());
-  EXPECT_EQ(TextDirNames(), std::vector<std::string>{"ORDER.ERR"});
-  EXPECT_EQ(ReadFile(TextDir() + "/ORDER.ERR"), "Unknown option S\r\n\r\n\r\n" + bad);
-  fs::remove(TextDir() + "/ORDER.ERR");
-
-  // Options without a recipient.
-  WriteFile(Order(), "::h\r\nText\r\n");
-  Scan();
-  EXPECT_EQ(TextDirNames(), std::vector<std::string>{"ORDER.ERR"});
-  EXPECT_EQ(ReadFile(TextDir() + "/ORDER.ERR").substr(0, 12), "No recipient");
-  fs::remove(TextDir() + "/ORDER.ERR");
-
-  // More than the pending directory may take from one file: no job is written at all.
+  const struct {
+    const char *what;
+    std::string content;
+    std::vector<std::string> left;
+    const char *reason;  // nullptr: no error file
+  } cases[] = {
+      {"no option line", "Just text\r\n", {"ORDER.TMP"}, nullptr},
+      {"unknown option", "::S\r\nText\r\n", {"ORDER.ERR"}, "Unknown option S"},
+      {"no recipient", "::h\r\nText\r\n", {"ORDER.ERR"}, "No recipient"},
+      // More than the pending directory may take from one file: no job is written at all.
+      {"over the limit",
+       "::0711 42\r\n::0711 43\r\n::0711 44\r\n" + std::string(2000, 'x'),
+       {"ORDER.ERR"},
+       "Recipients: 1"},
+      {"only option lines", "::0711 42\r\n", {}, nullptr},
+      {"only blanks", " \r\n\t\r\n", {}, nullptr},
+  };
   SetConfig("Fax Attachments", "MaxQueuedPerMessage", "20");
-  WriteFile(TextDir() + "/ORDER.TXT", "::0711 42\r\n::0711 43\r\n::0711 44\r\n" + std::string(2000, 'x'));
-  Scan();
-  EXPECT_TRUE(fs::is_empty(Native(PendingDir())));
-  EXPECT_EQ(TextDirNames(), std::vector<std::string>{"ORDER.ERR"});
-  EXPECT_EQ(ReadFile(TextDir() + "/ORDER.ERR").substr(0, 14), "Recipients: 1\r");
-  fs::remove(TextDir() + "/ORDER.ERR");
-
-  // Only option lines, or only blanks: the file just goes.
-  for (const char *content : {"::0711 42\r\n", " \r\n\t\r\n"}) {
-    WriteFile(Order(), content);
-    Scan();
-    EXPECT_TRUE(TextDirNames().empty()) << content;
+  for (const auto &c : cases) {
+    SCOPED_TRACE(c.what);
+    WriteFile(Order(), c.content);
+    ScanLater();
+    EXPECT_TRUE(fs::is_empty(Native(PendingDir())));
+    EXPECT_EQ(TextDirNames(), c.left);
+    if (c.reason) {
+      EXPECT_EQ(ReadFile(TextDir() + "/ORDER.ERR"), c.reason + std::string("\r\n\r\n\r\n") + c.content);
+    }
+    for (const std::string &name : TextDirNames())
+      fs::remove(TextDir() + "/" + name);
   }
-  EXPECT_TRUE(PendingJobs().empty());
-}
-
-TEST_F(TextFileConversion, ResultFilesComeBackBesideTheSourceUnderFreeNames) {
-  WriteFile(Order(), "::0711 42\r\n::0711 43\r\nOrder text\r\n");
-  Scan();
-  ASSERT_EQ(PendingJobs().size(), 2u);
-  for (int sent = 0; sent < 2; ++sent) {
-    std::array<unsigned char, kJobRecordSize> buffer{};
-    ASSERT_EQ(host::Scan(1, buffer.data()), 1);
-    host::ScannedEventAccepted(buffer.data());
-    JobRecordView(buffer.data()).SetNumber(job::Status, kStatusDelivered);
-    host::FaxSent(buffer.data());
-  }
-  EXPECT_EQ(TextDirNames(), (std::vector<std::string>{"ORDER.OK", "ORDER1.OK"}));
-  const std::string first = ReadFile(TextDir() + "/ORDER.OK");
-  EXPECT_NE(first.find("Order text\r\n"), std::string::npos) << "the first result carries the text";
-  EXPECT_EQ(ReadFile(TextDir() + "/ORDER1.OK").find("Order text"), std::string::npos)
-      << "the working copy went with the first result";
 }
 
 TEST_F(TextFileConversion, SavedAttachmentRidesAlongAndTheSourceStillGoesOnce) {
   WriteFile(ProductDir() + "/terms.pdf", "%PDF terms");
   WriteFile(ProductDir() + "/tqvadmin.ini", "[TEXTFILE]\r\nA_00000=terms," + ProductDir() + "/terms.pdf\r\n");
   WriteFile(Order(), "::0711 42\r\n::A=terms\r\nText\r\n");
-  Scan();
+  ScanLater();
   const std::vector<JobRecord> jobs = PendingJobs();
   ASSERT_EQ(jobs.size(), 1u);
   const JobRecordView job = jobs[0].View();

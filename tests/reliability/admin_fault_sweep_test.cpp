@@ -8,13 +8,14 @@
 #include <string>
 
 #include "support/fault_sweep.h"
+#include "support/gateway_message.h"
 
 namespace tqv {
 namespace {
 
 namespace fs = std::filesystem;
 
-constexpr std::string_view kLetterhead = "{\\rtf letterhead}";
+const std::string kLetterhead = "{\\rtf letterhead}";
 
 class AdminFaultSweep : public testing::FaultSweepTest {
  protected:
@@ -45,10 +46,11 @@ TEST_F(AdminFaultSweep, TheDatabaseNamesNoMissingFileAndAReplyIsWholeOrAbsent) {
                 "C_00000=COVERPGE," +
                     CoverDir() + "/std.rtf\r\n");
         WriteFile(GatewayOut() + "/MSG00001.TMP",
-                  "MAIL FROM:ann\r\nRCPT "
-                  "TO:FAXADMIN\r\nSubject:C=Letterhead,default\r\n----beginattach:letter.rtf:" +
-                      std::to_string(kLetterhead.size()) + "\r\n" + std::string(kLetterhead) +
-                      "\r\n----endattach\r\n");
+                  testing::GatewayMessage{.sender = "ann",
+                                          .recipients = {"FAXADMIN"},
+                                          .subject = "C=Letterhead,default",
+                                          .attachments = {{"letter.rtf", kLetterhead}}}
+                      .Bytes());
       },
       [&] { Scan(); },
       [&](const testing::FaultPlan &plan) {

@@ -12,6 +12,7 @@
 #include "common/job_record.h"
 #include "host/entry_points.h"
 #include "support/fault_sweep.h"
+#include "support/gateway_message.h"
 
 namespace tqv {
 namespace {
@@ -22,23 +23,19 @@ constexpr std::string_view kDocument = "%PDF-1.4 price list";
 constexpr std::string_view kText = "Please fax this.\r\n";
 
 // A message to one number by its address and one more by an option line, with one document.
-std::string GatewayMessage(std::string_view sender) {
-  const std::string body = "::Bob,0711 42\r\n" + std::string(kText);
-  return "MAIL FROM:" + std::string(sender) + "\r\nRCPT TO:089 123 456@fax\r\nSubject:Price list\r\n" +
-         "----beginbody:" + std::to_string(body.size()) + "\r\n" + body + "\r\n----endbody\r\n" +
-         "----beginattach:prices.pdf:" + std::to_string(kDocument.size()) + "\r\n" + std::string(kDocument) +
-         "\r\n----endattach\r\n";
+std::string GatewayMessage(const std::string &sender) {
+  return testing::GatewayMessage{.sender = sender,
+                                 .subject = "Price list",
+                                 .body = "::Bob,0711 42\r\n" + std::string(kText),
+                                 .attachments = {{"prices.pdf", std::string(kDocument)}}}
+      .Bytes();
 }
 
 class OutgoingFaultSweep : public testing::FaultSweepTest {
  protected:
   void InstallSender() const {
-    fs::create_directories(ProductDir() + "/COVER");
-    WriteFile(ProductDir() + "/COVER/memo.rtf", "{\\rtf memo}");
-    Install("T706=Sender may not fax\r\nT901=Failed: \r\n",
-            "[Recipient List]\r\nann@example.com=Ann Example\r\n[Recipients Properties]\r\n"
-            "ann@example.com=7425\r\n[ann@example.com]\r\nT_00000=TEMPLATE," +
-                ProductDir() + "/COVER/memo.rtf\r\nDefaultTemplate=TEMPLATE\r\n");
+    AddFaxingSender();
+    Install("T706=Sender may not fax\r\nT901=Failed: \r\n", "");
   }
   // The error reports of gateway-in that are whole: a fault may change what a report says (an
   // option file that cannot be read is reported as such), but a whole one ends with the document.
@@ -80,27 +77,32 @@ class OutgoingFaultSweep : public testing::FaultSweepTest {
   // The documents the jobs name: each holds what it should, or is missing because its copy failed.
   // That copy is the one file operation that makes it, so under a single fault it may be the only
   // thing missing in the run. No two jobs name the same file: the first to finish would delete it.
-  std::size_t CountMissingDocuments(const std::map<std::string, JobRecord> &jobs) const {
+  // `baseline` takes the recipients of the run without faults; whether every one has its job here.
+  bool ExpectDocumentsWhole(const testing::FaultPlan &plan, const std::map<std::string, JobRecord> &jobs,
+                            std::set<std::string> &baseline, std::size_t &missing) const {
     std::vector<std::pair<std::string, std::string_view>> named;
     for (const auto &[recipient, record] : jobs) {
+      if (!plan.Faulted()) baseline.insert(recipient);
       const JobRecordView job = record.View();
       if (!job.Text(job::MessageTextFile).empty()) named.emplace_back(job.Text(job::MessageTextFile), kText);
       for (int i = 0; i < job.UsableFileCount(); ++i)
         named.emplace_back(job.Text(job::File(i)), job.IsTextFileJob() ? kText : kDocument);
     }
     std::set<std::string> paths;
-    for (const auto &document : named) {
-      EXPECT_TRUE(paths.insert(document.first).second) << "two jobs name " << document.first;
-    }
-    std::size_t missing = 0;
+    missing = 0;
     for (const auto &[path, expected] : named) {
+      EXPECT_TRUE(paths.insert(path).second) << "two jobs name " << path;
       if (!Exists(Native(path))) {
         ++missing;
         continue;
       }
       EXPECT_EQ(ReadFile(Native(path)), expected) << path;
     }
-    return missing;
+    const bool allJobs = std::all_of(baseline.begin(), baseline.end(),
+                                     [&](const std::string &recipient) { return jobs.contains(recipient); });
+    EXPECT_TRUE(missing == 0 || (!plan.toTheEnd && missing == 1 && allJobs))
+        << missing << " documents missing";
+    return allJobs;
   }
 };
 
@@ -119,15 +121,9 @@ TEST_F(OutgoingFaultSweep, AMessageIsNeverGoneWithoutItsJobsItsReportOrAnEvent) 
         if (!plan.Faulted()) {
           ASSERT_EQ(jobs.size(), 2u);
           ASSERT_EQ(reports, 0u);
-          for (const auto &job : jobs)
-            recipients.insert(job.first);
         }
-        const std::size_t missing = CountMissingDocuments(jobs);
-        const bool allJobs =
-            std::all_of(recipients.begin(), recipients.end(),
-                        [&](const std::string &recipient) { return jobs.contains(recipient); });
-        EXPECT_TRUE(missing == 0 || (!plan.toTheEnd && missing == 1 && allJobs))
-            << missing << " documents missing";
+        std::size_t missing = 0;
+        const bool allJobs = ExpectDocumentsWhole(plan, jobs, recipients, missing);
         runsWithFailedCopy += missing > 0 ? 1 : 0;
         ExpectReportWholeOrAnEvent(0, "ann@example.com");
         if (!Exists(GatewayOut() + "/MSG00001.TMP")) {
@@ -167,10 +163,10 @@ TEST_F(OutgoingFaultSweep, JobsOfTwoMessagesInOnePassNeverShareACopy) {
       [&] {
         InstallSender();
         WriteFile(GatewayOut() + "/MSG00001.TMP", GatewayMessage("ann@example.com"));
-        const std::string other = "Another text.\r\n";
         WriteFile(GatewayOut() + "/MSG00002.TMP",
-                  "MAIL FROM:ann@example.com\r\nRCPT TO:0711 99\r\nSubject:Other\r\n----beginbody:" +
-                      std::to_string(other.size()) + "\r\n" + other + "\r\n----endbody\r\n");
+                  testing::GatewayMessage{
+                      .recipients = {"0711 99"}, .subject = "Other", .body = "Another text.\r\n"}
+                      .Bytes());
       },
       [&] { Scan(); },
       [&](const testing::FaultPlan &) {
@@ -201,14 +197,9 @@ TEST_F(OutgoingFaultSweep, ATextFileIsNeverGoneWithoutItsJobsItsErrorFileOrAnEve
         const std::map<std::string, JobRecord> jobs = WholeJobs(plan);
         if (!plan.Faulted()) {
           ASSERT_EQ(jobs.size(), 2u);
-          for (const auto &job : jobs)
-            numbers.insert(job.first);
         }
-        const std::size_t missing = CountMissingDocuments(jobs);
-        const bool allJobs = std::all_of(numbers.begin(), numbers.end(),
-                                         [&](const std::string &number) { return jobs.contains(number); });
-        EXPECT_TRUE(missing == 0 || (!plan.toTheEnd && missing == 1 && allJobs))
-            << missing << " documents missing";
+        std::size_t missing = 0;
+        const bool allJobs = ExpectDocumentsWhole(plan, jobs, numbers, missing);
         if (!Exists(PathOf("text/ORDER.TXT"))) {
           EXPECT_TRUE(allJobs || Exists(PathOf("text/ORDER.ERR")) || EventNames({"ORDER.TXT"}))
               << jobs.size() << " of " << numbers.size() << " jobs, and no event\n"

@@ -49,10 +49,10 @@ class ReportsFaultSweep : public testing::FaultSweepTest {
   }
 
   // Hands the job back as the fax service does, from a buffer of its own.
-  static void FaxSent(const JobRecord &job) {
+  static void HandBack(int (*entry)(void *), const JobRecord &job) {
     std::array<unsigned char, kJobRecordSize> buffer{};
     job.CopyTo(buffer.data());
-    host::FaxSent(buffer.data());
+    entry(buffer.data());
   }
 };
 
@@ -61,7 +61,7 @@ TEST_F(ReportsFaultSweep, DeliveryReportSendLogAndArchiveAreWholeOrAbsent) {
   std::string sendLog;
   Sweep({
       [&] { job = PrepareFinishedJob(kFaxJobTag); },
-      [&] { FaxSent(job); },
+      [&] { HandBack(host::FaxSent, job); },
       [&](const testing::FaultPlan &plan) {
         if (!plan.Faulted()) {
           sendLog = ReadFile(ProductDir() + "/sendlog.txt");
@@ -83,11 +83,7 @@ TEST_F(ReportsFaultSweep, JfaxHandOffIsWholeOrAbsent) {
   std::map<std::string, std::string> messages;
   Sweep({
       [&] { job = PrepareFinishedJob(kJfaxJobTag); },
-      [&] {
-        std::array<unsigned char, kJobRecordSize> buffer{};
-        job.CopyTo(buffer.data());
-        host::JfaxReady(buffer.data());
-      },
+      [&] { HandBack(host::JfaxReady, job); },
       [&](const testing::FaultPlan &plan) {
         if (!plan.Faulted()) {
           messages = FilesIn(GatewayIn());
@@ -116,7 +112,7 @@ TEST_F(ReportsFaultSweep, TextJobResultFileIsWholeOrAbsent) {
         job.View().SetText(job::CustomString, PathOf("text") + "/ORDER.TXT");
         WriteFile(PathOf("text/ORDER.TMP"), kOrderText);
       },
-      [&] { FaxSent(job); },
+      [&] { HandBack(host::FaxSent, job); },
       [&](const testing::FaultPlan &plan) {
         if (!plan.Faulted()) {
           result = ReadFile(PathOf("text/ORDER.OK"));

@@ -22,43 +22,24 @@ TEST_F(AdminListing, ListsSavedFilesWithSizesDefaultsResolutionAndHeader) {
       PathOf("letter.rtf") + "\r\nC_00001=Gone," + PathOf("gone.rtf") +
       "\r\nDefaultCover=letter\r\nA_00000=Scan," + PathOf("scan.tif") +
       "\r\nA_00001=Broken\r\nA_00002=After," + PathOf("scan.tif") + "\r\n");
-  // Templates: none. Attachments: the list ends at the entry without a comma.
-  // Names stand in 30 columns and two spaces; resolution in 15, header in 50, each with two more.
-  const auto spaces = [](std::size_t count) { return std::string(count, ' '); };
+  // Templates: none. Attachments: the list ends at the entry without a comma. Names stand in 30
+  // columns and two spaces; resolution in 15, header in 50, each with two more.
+  const auto entry = [](std::string name, std::size_t width, const std::string &value) {
+    name.resize(width, ' ');
+    return "    " + name + value + "\r\n";
+  };
   EXPECT_EQ(FormatAdminListing("ann", "Unknown command"),
-            "###ERROR: Unknown command\r\n\r\n"
-            "Covers:\r\n"
-            "    Letter" +
-                spaces(26) +
-                "512 bytes\r\n"
-                "    Gone" +
-                spaces(28) +
-                "(missing)\r\n"
-                "\r\nDefault cover:\r\n"
-                "    letter" +
-                spaces(26) +
-                "512 bytes\r\n"
-                "\r\n\r\nTemplates:\r\n"
-                "\r\nDefault template:\r\n"
-                "\r\n\r\nAttachments:\r\n"
-                "    Scan" +
-                spaces(28) +
-                "3 bytes\r\n"
-                "\r\n\r\nResolution:\r\n"
-                "    Fine" +
-                spaces(13) +
-                "\r\n\r\n"
-                "Header:\r\n"
-                "    From Ann" +
-                spaces(44) +
-                "\r\n"
-                "\r\n");
+            "###ERROR: Unknown command\r\n\r\nCovers:\r\n" + entry("Letter", 32, "512 bytes") +
+                entry("Gone", 32, "(missing)") + "\r\nDefault cover:\r\n" + entry("letter", 32, "512 bytes") +
+                "\r\n\r\nTemplates:\r\n\r\nDefault template:\r\n\r\n\r\nAttachments:\r\n" +
+                entry("Scan", 32, "3 bytes") + "\r\n\r\nResolution:\r\n" + entry("Fine", 17, "") +
+                "\r\nHeader:\r\n" + entry("From Ann", 52, "") + "\r\n");
 
   WriteDatabase("[Recipients Properties]\r\nbob=1\r\n");
   EXPECT_EQ(FormatAdminListing("bob", ""),
             "Covers:\r\n\r\nDefault cover:\r\n\r\n\r\nTemplates:\r\n\r\nDefault template:\r\n"
-            "\r\n\r\nAttachments:\r\n\r\n\r\nResolution:\r\n    Standard" +
-                spaces(9) + "\r\n\r\nHeader:\r\n\r\n");
+            "\r\n\r\nAttachments:\r\n\r\n\r\nResolution:\r\n" +
+                entry("Standard", 17, "") + "\r\nHeader:\r\n\r\n");
 }
 
 // Entry lines stop once the text reaches the mark; the sections after the list still follow.

@@ -18,13 +18,10 @@ class DeliveryReports : public testing::ReportTest {
     WriteFile(ProductDir() + "/tqvadmin.ini",
               "[Recipients Properties]\r\nann=" + std::to_string(senderProperties) + "\r\n");
     WriteFile(PathOf("d1.tif"), "II*one");
-    JobRecord job = JobRecord::WithTag(kFaxJobTag);
+    JobRecord job = FaxJob("ann", "0891", status);
     JobRecordView view = job.View();
-    view.SetText(job::SenderEmail, "ann");
     view.SetText(job::RecipientName, "Bob");
-    view.SetText(job::FaxNumber, "0891");
     view.SetText(job::Subject, "Offer");
-    view.SetNumber(job::Status, status);
     view.SetNumber(job::FileCount, 2);
     view.SetText(job::File(0), PathOf("d1.tif"));
     view.SetText(job::File(1), PathOf("missing.tif"));

@@ -28,9 +28,8 @@ class FaxLogs : public testing::ReportTest {
 };
 
 TEST_F(FaxLogs, SendLogStartsWithItsHeaderOnceAndArchivesOnlyDeliveredDocuments) {
-  JobRecord job = JobRecord::WithTag(kFaxJobTag);
+  JobRecord job = FaxJob("ann", "", kStatusDelivered);
   JobRecordView view = job.View();
-  view.SetText(job::SenderEmail, "ann");
   view.SetText(job::SenderName, "Ann Smith");
   view.SetText(job::BillingCode, "42");
   view.SetText(job::Party(job::RecipientParty, PartyField::LastName), "Doe");
@@ -38,7 +37,6 @@ TEST_F(FaxLogs, SendLogStartsWithItsHeaderOnceAndArchivesOnlyDeliveredDocuments)
   view.SetText(job::RecipientNumber, "0891");
   view.SetNumber(job::CallDuration, 125);
   view.SetNumber(job::PagesTransferred, 3u);
-  view.SetNumber(job::Status, kStatusDelivered);
   view.SetText(job::StatusInfo, "said \"ok\"");
   view.SetText(job::Port, "COM1");
   view.SetNumber(job::ArchiveSent, 1u);

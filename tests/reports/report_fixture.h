@@ -26,7 +26,8 @@ inline constexpr std::string_view kReportStrings =
     "T650=Voicemail\r\nT651=Message\r\nT652=Length\r\nT653=Size\r\nT654=Box\r\nT655=Digits\r\n"
     "T670=Covers:\r\nT671=Default cover:\r\nT672=Templates:\r\nT673=Default template:\r\n"
     "T674=Attachments:\r\nT675=Resolution:\r\nT676=Header:\r\nT900=\"OK: \"\r\nT901=\"FAILED: \"\r\n"
-    "T902=to\r\nT1000=(missing)\r\n";
+    "T902=to\r\nT1000=(missing)\r\nT660=Unknown station\r\nT720=Unknown option %s\r\nT903=\"fax from \"\r\n"
+    "T4400=New voicemail\r\n";
 
 class ReportTest : public InstallationTest {
  protected:

@@ -28,10 +28,8 @@ TEST_F(ReportLayout, SentReportShowsConnectionValuesOnlyForPositiveSpeedCodes) {
       {9, 7, "?????", "?????", "02:05", "Fine"},
   };
   for (const auto &c : cases) {
-    JobRecord job = JobRecord::WithTag(kFaxJobTag);
+    JobRecord job = FaxJob("", "089 123", c.status);
     JobRecordView view = job.View();
-    view.SetText(job::FaxNumber, "089 123");
-    view.SetNumber(job::Status, c.status);
     view.SetText(job::StatusInfo, "All pages sent");
     view.SetNumber(job::SpeedCode, c.speedCode);
     view.SetNumber(job::NumRetries, 1u);

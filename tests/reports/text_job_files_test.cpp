@@ -16,9 +16,8 @@ using TextJobFiles = testing::ReportTest;
 
 TEST_F(TextJobFiles, ResultFileHoldsTheReportAndTheWorkingCopyUnderAFreeName) {
   WriteFile(PathOf("ORDER.TMP"), "fax text\r\n");
-  JobRecord job = JobRecord::WithTag(kFaxJobTag);
+  JobRecord job = FaxJob("", "", kStatusDelivered);
   job.View().SetText(job::CustomString, PathOf("ORDER.TXT"));
-  job.View().SetNumber(job::Status, kStatusDelivered);
   const std::string report = FormatSentReport(job.View());
   WriteTextJobResult(job.View());
   EXPECT_EQ(ReadFile(PathOf("ORDER.OK")), report + "fax text\r\n");

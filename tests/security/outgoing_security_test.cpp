@@ -1,8 +1,8 @@
-// Attacks on the outgoing road by a mail sender who may fax: documents dressed up as job files, job
-// records that name other files, and one message multiplied over many recipients.
+// Attacks on the outgoing road by a mail sender who may fax: documents dressed up as job files or
+// named to leave their directory, job records that name other files, and one message multiplied
+// over many recipients.
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <array>
 #include <filesystem>
 #include <string>
@@ -10,7 +10,7 @@
 
 #include "common/job_record.h"
 #include "host/entry_points.h"
-#include "platform/clock.h"
+#include "support/gateway_message.h"
 #include "support/installation.h"
 
 namespace tqv {
@@ -18,26 +18,19 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr std::string_view kSender = "ann@example.com";
-
 class OutgoingSecurity : public testing::InstallationTest {
  protected:
   void SetUp() override {
     InstallationTest::SetUp();
     WriteFile(ProductDir() + "/tqstring.ini",
               "[English]\r\nT422=Blocked\r\nT716=At most %d recipients\r\nT717=At most %d documents\r\n");
-    fs::create_directories(ProductDir() + "/COVER");
     fs::create_directories(PathOf("private"));
     fs::create_directories(ProductDir() + "/ATTACH");
     WriteFile(Victim(), "a file the library must not delete");
     WriteFile(Secret(), "a file the library must not fax");
     WriteFile(ProductDir() + "/ATTACH/00000001.tqv", Forged().Bytes());
-    // 7425: SendFaxes among the defaults; the sender blocks 0900 numbers.
-    WriteFile(ProductDir() + "/tqvadmin.ini",
-              "[Recipient List]\r\nann@example.com=Ann\r\n[Recipients Properties]\r\nann@example.com=7489\r\n"
-              "[ann@example.com]\r\nB_00000=0900\r\nA_00000=job," +
-                  ProductDir() + "\\ATTACH\\00000001.tqv\r\n");
-    platform::SetTickCountSource([this] { return tick; });
+    // 7489: the defaults with SendFaxes and BlockNumbers; the sender blocks 0900 numbers.
+    AddFaxingSender("B_00000=0900\r\nA_00000=job," + ProductDir() + "\\ATTACH\\00000001.tqv\r\n", 7489);
     ASSERT_EQ(host::Initialise(0, ""), 0);
   }
 
@@ -46,11 +39,9 @@ class OutgoingSecurity : public testing::InstallationTest {
 
   // A whole, valid job record that would fax the secret and, once accepted, delete the victim.
   JobRecord Forged(std::string_view faxNumber = "0711 666") const {
-    JobRecord record = JobRecord::WithTag(kFaxJobTag);
+    JobRecord record = FaxJob("ann@example.com", faxNumber);
     JobRecordView job = record.View();
     job.SetText(job::JobFile, Victim());
-    job.SetText(job::SenderEmail, kSender);
-    job.SetText(job::FaxNumber, faxNumber);
     job.SetNumber(job::SkipQueue, 1u);
     job.SetNumber(job::FileCount, 1);
     job.SetText(job::File(0), Secret());
@@ -58,17 +49,11 @@ class OutgoingSecurity : public testing::InstallationTest {
   }
 
   void Drop(const std::string &body, const std::vector<std::pair<std::string, std::string>> &attachments,
-            int recipients = 1) {
-    std::string bytes = "File Type:\r\nMAIL FROM:" + std::string(kSender) + "\r\n";
+            int recipients = 1) const {
+    testing::GatewayMessage message{.recipients = {}, .body = body, .attachments = attachments};
     for (int i = 0; i < recipients; ++i)
-      bytes += "RCPT TO:0711 " + std::to_string(1000 + i) + "@fax\r\n";
-    bytes += "Subject:Order\r\n";
-    if (!body.empty())
-      bytes += "----beginbody:" + std::to_string(body.size()) + "\r\n" + body + "\r\n----endbody\r\n";
-    for (const auto &[name, content] : attachments)
-      bytes += "----beginattach:" + name + ":" + std::to_string(content.size()) + "\r\n" + content +
-               "\r\n----endattach\r\n";
-    WriteFile(GatewayOut() + "/MSG00001.TMP", bytes);
+      message.recipients.push_back("0711 " + std::to_string(1000 + i) + "@fax");
+    WriteFile(GatewayOut() + "/MSG00001.TMP", message.Bytes());
   }
 
   // Scan calls as a fax service makes them, accepting every job handed out, until none is left or
@@ -76,9 +61,8 @@ class OutgoingSecurity : public testing::InstallationTest {
   std::vector<JobRecord> ScanAndAccept(int calls = 50) {
     std::vector<JobRecord> handedOut;
     for (int i = 0; i < calls; ++i) {
-      tick += 20000;
       std::array<unsigned char, kJobRecordSize> buffer{};
-      if (host::Scan(1, buffer.data()) != 1) break;
+      if (ScanLater(1, buffer.data()) != 1) break;
       handedOut.push_back(JobRecord::CopyOf(buffer.data()));
       host::ScannedEventAccepted(buffer.data());
     }
@@ -86,28 +70,35 @@ class OutgoingSecurity : public testing::InstallationTest {
   }
 
   std::vector<std::string> PendingNames() const { return FileNames(Native(PendingDir())); }
-
-  std::uint32_t tick = 1000;
 };
 
 // Documents whose names end like a job file, in any case or in a form Windows would shorten to
 // one, are queued as plain documents; the forged records inside them never reach the fax service.
+// Names that climb out of the work directory or name another one stay in the pending directory.
 TEST_F(OutgoingSecurity, NoDocumentBecomesAJob) {
   const std::string forged(Forged().Bytes());
-  Drop("::A=job\r\n", {{"x.TQV", forged}, {"y.tqv", forged}, {"z.tQvX", forged}, {"order.pdf", "%PDF"}});
+  Drop("::A=job\r\n", {{"x.TQV", forged},
+                       {"y.tqv", forged},
+                       {"z.tQvX", forged},
+                       {"order.pdf", "%PDF"},
+                       {"x.\\..\\..\\..\\evil", forged},
+                       {"y./tmp/evil", forged}});
 
   const std::vector<JobRecord> handedOut = ScanAndAccept();
   ASSERT_EQ(handedOut.size(), 1u) << "only the message's own job";
   const JobRecordView job = handedOut[0].View();
-  ASSERT_EQ(job.Number(job::FileCount), 5);
+  ASSERT_EQ(job.Number(job::FileCount), 7);
   std::vector<std::string> extensions;
-  for (int i = 0; i < 5; ++i) {
-    EXPECT_EQ(ReadFile(Native(job.Text(job::File(i)))), i == 3 ? "%PDF" : forged);
-    extensions.push_back(fs::path(job.Text(job::File(i))).extension().string());
+  for (int i = 0; i < 7; ++i) {
+    const fs::path document = Native(job.Text(job::File(i)));
+    EXPECT_EQ(ReadFile(document.string()), i == 3 ? "%PDF" : forged);
+    EXPECT_EQ(document.parent_path(), fs::path(Native(PendingDir()))) << document;
+    extensions.push_back(document.extension().string());
   }
-  EXPECT_EQ(extensions, (std::vector<std::string>{".FAX", ".FAX", ".FAX", ".pdf", ".FAX"}));
+  EXPECT_EQ(extensions, (std::vector<std::string>{".FAX", ".FAX", ".FAX", ".pdf", ".FAX", ".FAX", ".FAX"}));
   EXPECT_TRUE(Exists(Victim()));
   EXPECT_TRUE(Exists(Secret()));
+  EXPECT_FALSE(fs::exists(ProductDir() + "/evil") || fs::exists("/tmp/evil"));
 }
 
 // A record in the pending directory that names another file as its own is never handed out, not
@@ -158,9 +149,7 @@ TEST_F(OutgoingSecurity, OneMessageCannotFillThePendingDirectory) {
       fs::remove(GatewayIn() + "/" + name);
 
     Drop("", {{"big.tif", std::string(c.documentBytes, 'd')}}, c.recipients);
-    tick += 20000;
-    std::array<unsigned char, kJobRecordSize> buffer{};
-    host::Scan(0, buffer.data());
+    ScanLater();
 
     EXPECT_EQ(PendingJobs().size(), c.jobs);
     const std::vector<std::string> messages = Messages();
@@ -194,13 +183,10 @@ TEST_F(OutgoingSecurity, EveryMessageGivenUpLeavesOneWarning) {
   };
   for (const auto &c : cases) {
     SCOPED_TRACE(c.what);
-    WriteFile(GatewayOut() + "/MSG00001.TMP", "MAIL FROM:" + std::string(kSender) +
-                                                  "\r\nRCPT TO:0711 1@fax\r\nSubject:Order\nforged\r\n" +
-                                                  c.items);
+    WriteFile(GatewayOut() + "/MSG00001.TMP",
+              "MAIL FROM:ann@example.com\r\nRCPT TO:0711 1@fax\r\nSubject:Order\nforged\r\n" + c.items);
     const std::size_t eventsBefore = Events().size();
-    tick += 20000;
-    std::array<unsigned char, kJobRecordSize> buffer{};
-    EXPECT_EQ(host::Scan(1, buffer.data()), 0);
+    EXPECT_EQ(ScanLater(1), 0);
     EXPECT_TRUE(Messages().empty());
     EXPECT_FALSE(Exists(GatewayOut() + "/MSG00001.TMP"));
     ASSERT_EQ(Events().size(), eventsBefore + 1);

@@ -13,9 +13,9 @@
 #include "common/receive_record.h"
 #include "gateway/message_reader.h"
 #include "host/entry_points.h"
-#include "platform/clock.h"
 #include "reports/delivery_reports.h"
 #include "reports/report_fixture.h"
+#include "support/gateway_message.h"
 
 namespace tqv {
 namespace {
@@ -26,12 +26,8 @@ class ReportsSecurity : public testing::ReportTest {
  protected:
   void SetUp() override {
     ReportTest::SetUp();
-    WriteFile(ProductDir() + "/tqstring.ini",
-              std::string(testing::kReportStrings) +
-                  "T660=Unknown station\r\nT720=Unknown option %s\r\nT903=\"fax from \"\r\n");
     WriteFile(ProductDir() + "/tqvadmin.ini",
               "[Recipient List]\r\nann=Ann\r\n[Recipients Properties]\r\nann=7425\r\n");
-    platform::SetTickCountSource([this] { return tick_; });
   }
 
   // The recipients of the one message in the gateway-in directory, read line by line and block
@@ -62,8 +58,6 @@ class ReportsSecurity : public testing::ReportTest {
     for (const auto &entry : std::filesystem::directory_iterator(GatewayIn()))
       std::filesystem::remove(entry.path());
   }
-
-  std::uint32_t tick_ = 1000;
 };
 
 // The option is echoed into the error line, which the report carries as its status text: a line
@@ -72,11 +66,9 @@ TEST_F(ReportsSecurity, LongOptionLineInAConversionErrorAddsNoRecipient) {
   const std::string echoed = "###ERROR: Unknown option ";
   const std::string option = std::string(240 - echoed.size(), 'x') + std::string(kInjected);
   WriteFile(GatewayOut() + "/MSG00001.TMP",
-            "MAIL FROM:ann\r\nRCPT TO:0891\r\nSubject:Order\r\n----beginbody:" +
-                std::to_string(option.size() + 4) + "\r\n::" + option + "\r\n\r\n----endbody\r\n");
-  tick_ += 20000;
-  std::array<unsigned char, kJobRecordSize> job{};
-  host::Scan(0, job.data());
+            testing::GatewayMessage{.sender = "ann", .recipients = {"0891"}, .body = "::" + option + "\r\n"}
+                .Bytes());
+  ScanLater();
 
   EXPECT_EQ(RecipientsOfTheReport(), std::vector<std::string>{"ann"});
   EXPECT_NE(Messages().back().find("FAX-StatusInfo:" + echoed + "xxx"), std::string::npos);
@@ -93,13 +85,9 @@ TEST_F(ReportsSecurity, LineEndsInStationAndStatusTextsAddNoRecipient) {
                    {"name of the fax recipient", job::RecipientName}};
   for (const auto &c : sentCases) {
     SCOPED_TRACE(c.what);
-    JobRecord record = JobRecord::WithTag(kFaxJobTag);
-    JobRecordView job = record.View();
-    job.SetText(job::SenderEmail, "ann");
-    job.SetText(job::FaxNumber, "0891");
-    job.SetNumber(job::Status, kStatusDelivered);
-    job.SetText(c.field, hostile);
-    host::FaxSent(job.Bytes());
+    JobRecord job = FaxJob("ann", "0891", kStatusDelivered);
+    job.View().SetText(c.field, hostile);
+    host::FaxSent(job.View().Bytes());
     EXPECT_EQ(RecipientsOfTheReport(), std::vector<std::string>{"ann"});
     RemoveMessages();
   }
@@ -125,13 +113,9 @@ TEST_F(ReportsSecurity, LineEndsInAStationIdentifierWriteNoLinesOfTheirOwn) {
   WriteFile(ProductDir() + "/tqvadmin.ini",
             "[Recipient List]\r\nann=Ann\r\n[Recipients Properties]\r\nann=129\r\n");
   const std::string hostile = "+49 89\r\n[Recipients Properties]\r\nmallory=1\r\n";
-  JobRecord record = JobRecord::WithTag(kFaxJobTag);
-  JobRecordView job = record.View();
-  job.SetText(job::SenderEmail, "ann");
-  job.SetText(job::FaxNumber, "0891");
-  job.SetNumber(job::Status, kStatusDelivered);
-  job.SetText(job::RemoteId, hostile);
-  host::FaxSent(job.Bytes());
+  JobRecord job = FaxJob("ann", "0891", kStatusDelivered);
+  job.View().SetText(job::RemoteId, hostile);
+  host::FaxSent(job.View().Bytes());
 
   const std::string database = ReadFile(ProductDir() + "/tqvadmin.ini");
   EXPECT_EQ(database.find("mallory"), std::string::npos) << database;

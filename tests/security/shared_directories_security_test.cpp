@@ -10,8 +10,8 @@
 
 #include "common/job_record.h"
 #include "host/entry_points.h"
-#include "platform/clock.h"
 #include "platform/special_files.h"
+#include "support/gateway_message.h"
 #include "support/installation.h"
 #include "support/platform_backend.h"
 
@@ -26,15 +26,9 @@ class SharedDirectoriesSecurity : public testing::InstallationTest {
     InstallationTest::SetUp();
     WriteFile(ProductDir() + "/tqstring.ini",
               "[English]\r\nT720=Unknown option %s\r\nT900=OK: \r\nT901=Failed: \r\nT4400=New voicemail\r\n");
-    fs::create_directories(ProductDir() + "/COVER");
-    WriteFile(ProductDir() + "/COVER/memo.rtf", "{\\rtf memo}");
-    WriteFile(ProductDir() + "/tqvadmin.ini",
-              "[Recipient List]\r\nann@example.com=Ann\r\n[Recipients Properties]\r\nann@example.com=7425\r\n"
-              "[VoiceMail]\r\nann@example.com=0012\r\n[ann@example.com]\r\nT_00000=TEMPLATE," +
-                  ProductDir() + "/COVER/memo.rtf\r\nDefaultTemplate=TEMPLATE\r\n");
+    AddFaxingSender("[VoiceMail]\r\nann@example.com=0012\r\n");
     for (const std::string &directory : {TextDir(), VoiceDir(), Outside("")})
       fs::create_directories(directory);
-    platform::SetTickCountSource([this] { return tick_; });
     ASSERT_EQ(host::Initialise(1, TextDir().c_str()), 0);
   }
 
@@ -42,13 +36,6 @@ class SharedDirectoriesSecurity : public testing::InstallationTest {
   std::string VoiceDir() const { return PathOf("product/VOICE"); }
   // Where the attacker's links lead: files of the service's user outside every shared directory.
   std::string Outside(const std::string &name) const { return PathOf("private/" + name); }
-
-  // One scan call with its conversion passes.
-  void Scan() {
-    tick_ += 20000;
-    std::array<unsigned char, kJobRecordSize> buffer{};
-    host::Scan(0, buffer.data());
-  }
 
   static bool IsLink(const std::string &path) { return fs::is_symlink(fs::symlink_status(path)); }
 
@@ -58,24 +45,7 @@ class SharedDirectoriesSecurity : public testing::InstallationTest {
       if (event.find("not a plain file") != std::string::npos) notices.push_back(event);
     return notices;
   }
-
-  // A due job that names itself: whole and valid, so only its being a link keeps it back.
-  static JobRecord ForgedJob(const std::string &jobFile) {
-    JobRecord record = JobRecord::WithTag(kFaxJobTag);
-    JobRecordView job = record.View();
-    job.SetText(job::JobFile, jobFile);
-    job.SetText(job::SenderEmail, "ann@example.com");
-    job.SetText(job::FaxNumber, "0711 666");
-    job.SetNumber(job::SkipQueue, 1u);
-    return record;
-  }
-
-  std::uint32_t tick_ = 1000;
 };
-
-constexpr const char *kMessage =
-    "File Type:\r\nMAIL FROM:ann@example.com\r\nRCPT TO:089 123 456@fax\r\nSubject:Order\r\n"
-    "----beginbody:4\r\nText\r\n----endbody\r\n";
 
 // A FIFO blocks an open until its other end is opened, /dev/zero never ends: either would stop
 // the scan for good. The scan runs in a child process that an alarm ends, so a hang fails here.
@@ -92,7 +62,7 @@ TEST_F(SharedDirectoriesSecurity, SpecialFilesNeverHoldUpTheScanAndWhatFollowsIs
   WriteFile(TextDir() + "/ORDER.TXT", "::0711 42\r\nText\r\n");
 
   EXPECT_EQ(testing::ExitCodeOfGuarded([this] {
-              Scan();
+              ScanLater();
               return 0;
             }),
             0)
@@ -108,22 +78,22 @@ TEST_F(SharedDirectoriesSecurity, SpecialFilesNeverHoldUpTheScanAndWhatFollowsIs
 // file, read as a voicemail description. Each link is left where it is and reported once.
 TEST_F(SharedDirectoriesSecurity, LinksInInputDirectoriesAreLeftAloneAndNoticedOnceEach) {
   TQV_SKIP_ON_WIN32("links need privileges on Windows");
+  // A due job that names itself: whole and valid, so only its being a link keeps it back.
+  JobRecord forged = FaxJob("ann@example.com", "0711 666");
+  forged.View().SetText(job::JobFile, PendingDir() + "\\00000001.TQV");
+  forged.View().SetNumber(job::SkipQueue, 1u);
   const std::vector<std::pair<std::string, std::string>> planted = {
-      {GatewayOut() + "/MSG00001.TMP", kMessage},
+      {GatewayOut() + "/MSG00001.TMP", testing::GatewayMessage{.body = "Text"}.Bytes()},
       {TextDir() + "/ORDER.TXT", "::0711 42\r\nSecret\r\n"},
       {VoiceDir() + "/00120005.ID", "[Info]\r\nDuration=3\r\nDigits=4711\r\n"},
-      {Native(PendingDir()) + "/00000001.TQV",
-       std::string(ForgedJob(PendingDir() + "\\00000001.TQV").Bytes())},
+      {Native(PendingDir()) + "/00000001.TQV", std::string(forged.Bytes())},
   };
   for (std::size_t i = 0; i < planted.size(); ++i) {
     WriteFile(Outside(std::to_string(i)), planted[i].second);
     fs::create_symlink(Outside(std::to_string(i)), planted[i].first);
   }
-  std::array<unsigned char, kJobRecordSize> buffer{};
-  for (int scan = 0; scan < 2; ++scan) {
-    tick_ += 20000;
-    EXPECT_EQ(host::Scan(1, buffer.data()), 0) << "a job file that is a link is never handed out";
-  }
+  for (int scan = 0; scan < 2; ++scan)
+    EXPECT_EQ(ScanLater(1), 0) << "a job file that is a link is never handed out";
 
   EXPECT_TRUE(Messages().empty());
   for (std::size_t i = 0; i < planted.size(); ++i) {
@@ -156,7 +126,7 @@ TEST_F(SharedDirectoriesSecurity, ALinkAtANameTheLibraryWritesLeavesWhatItLeadsT
   WriteFile(VoiceDir() + "/00120005.PCM", "pcm");
   fs::create_symlink(Outside("created-by-result"), TextDir() + "/ORDER.OK");
   WriteFile(TextDir() + "/ORDER.TXT", "::0711 42\r\nOrder text\r\n");
-  Scan();
+  ScanLater();
 
   std::array<unsigned char, kJobRecordSize> buffer{};
   ASSERT_EQ(host::Scan(1, buffer.data()), 1);

@@ -60,7 +60,7 @@ void FaultSweepTest::Sweep(const Road &road) {
 
 void FaultSweepTest::Install(std::string_view texts, std::string_view database) const {
   WriteFile(ProductDir() + "/tqstring.ini", "[English]\r\n" + std::string(texts));
-  WriteFile(ProductDir() + "/tqvadmin.ini", database);
+  if (!database.empty()) WriteFile(ProductDir() + "/tqvadmin.ini", database);
   ASSERT_EQ(host::Initialise(0, ""), 0);
 }
 
@@ -78,28 +78,15 @@ std::map<std::string, std::string> FaultSweepTest::FilesIn(std::string_view dire
   return files;
 }
 
-std::vector<std::string> FaultSweepTest::SweepEvents() const {
-  std::vector<std::string> events;
-  std::istringstream lines(ReadFile(PathOf("sweep-events.log")));
-  for (std::string line; std::getline(lines, line);)
-    events.push_back(line);
-  return events;
-}
-
 bool FaultSweepTest::EventNames(const std::vector<std::string> &words) const {
   if (kWin32Backend) return true;
-  const std::vector<std::string> events = SweepEvents();
-  return std::any_of(events.begin(), events.end(), [&](const std::string &event) {
-    return std::all_of(words.begin(), words.end(),
-                       [&](const std::string &word) { return event.find(word) != std::string::npos; });
-  });
-}
-
-std::string FaultSweepTest::EventList() const {
-  std::string list;
-  for (const std::string &event : SweepEvents())
-    list += event + "\n";
-  return list;
+  std::istringstream events(EventList());
+  for (std::string event; std::getline(events, event);) {
+    if (std::all_of(words.begin(), words.end(),
+                    [&](const std::string &word) { return event.find(word) != std::string::npos; }))
+      return true;
+  }
+  return false;
 }
 
 namespace {

@@ -36,8 +36,8 @@ class FaultSweepTest : public InstallationTest {
   // Prints the road's file operations and the runs made.
   void Sweep(const Road &road);
 
-  // Writes the string file with these English texts and the administration database with these
-  // lines, then starts the library.
+  // Writes the string file with these English texts and, when lines are given, the administration
+  // database with them, then starts the library.
   void Install(std::string_view texts, std::string_view database) const;
   // One scan call as the fax service makes it, wanting no due jobs.
   static void Scan();
@@ -47,10 +47,8 @@ class FaultSweepTest : public InstallationTest {
   // True when an event names every one of the words. Always true on the Win32 backend, whose
   // event log the suite cannot read back.
   bool EventNames(const std::vector<std::string> &words) const;
-  // The events of this run, each "type\tsource\tmessage".
-  std::vector<std::string> SweepEvents() const;
-  // The events so far, one a line, for failure messages.
-  std::string EventList() const;
+  // The events of this run so far, each "type\tsource\tmessage" on a line, for failure messages.
+  std::string EventList() const { return ReadFile(PathOf("sweep-events.log")); }
   // Each file of gateway-in is a whole message: its header lines, and every block with its data
   // and end line. A message that could not be written whole must not be there at all, unless the
   // disk refused its removal too (every operation failing to the end).

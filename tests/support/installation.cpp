@@ -1,10 +1,12 @@
 #include "support/installation.h"
 
 #include <algorithm>
+#include <array>
 #include <cstdlib>
 #include <filesystem>
 
 #include "host/entry_points.h"
+#include "platform/clock.h"
 #include "platform/profile.h"
 #include "support/platform_backend.h"
 #if !defined(_WIN32)
@@ -26,6 +28,7 @@ void InstallationTest::SetUp() {
   SetConfig("Directories", "GatewayOut", GatewayOut());
   SetConfig("Directories", "CoverDir", ProductDir() + "\\COVER");
   SetConfig("Directories", "Voicemail", ProductDir() + "\\VOICE");
+  platform::SetTickCountSource([this] { return tick; });
 }
 
 void InstallationTest::TearDown() {
@@ -63,6 +66,30 @@ std::vector<std::string> InstallationTest::Messages() const {
   for (const std::string &name : names)
     messages.push_back(ReadFile(GatewayIn() + "/" + name));
   return messages;
+}
+
+int InstallationTest::ScanLater(std::int32_t dueJobsFlag, void *job) {
+  tick += 20000;
+  std::array<unsigned char, kJobRecordSize> buffer{};
+  return host::Scan(dueJobsFlag, job != nullptr ? job : buffer.data());
+}
+
+void InstallationTest::AddFaxingSender(std::string_view section, int properties) const {
+  std::filesystem::create_directories(ProductDir() + "/COVER");
+  WriteFile(ProductDir() + "/COVER/memo.rtf", "{\\rtf memo}");
+  WriteFile(ProductDir() + "/tqvadmin.ini",
+            "[Recipient List]\r\nann@example.com=Ann Example\r\n[Recipients Properties]\r\nann@example.com=" +
+                std::to_string(properties) + "\r\n[ann@example.com]\r\nT_00000=TEMPLATE," + ProductDir() +
+                "/COVER/memo.rtf\r\nDefaultTemplate=TEMPLATE\r\n" + std::string(section));
+}
+
+JobRecord InstallationTest::FaxJob(std::string_view sender, std::string_view faxNumber,
+                                   std::uint32_t status) {
+  JobRecord record = JobRecord::WithTag(kFaxJobTag);
+  record.View().SetText(job::SenderEmail, sender);
+  record.View().SetText(job::FaxNumber, faxNumber);
+  record.View().SetNumber(job::Status, status);
+  return record;
 }
 
 }  // namespace tqv::testing

@@ -2,6 +2,7 @@
 // its settings and string file, and the two gateway directories.
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -30,6 +31,17 @@ class InstallationTest : public TempDirTest {
   std::vector<JobRecord> PendingJobs() const;
   // The message files of the gateway-in directory in the order they were numbered.
   std::vector<std::string> Messages() const;
+
+  // One scan call as the fax service makes it, 20 seconds after the last, so the conversion passes
+  // run; the scan's record lands in `job` when one is given. What the scan returned.
+  int ScanLater(std::int32_t dueJobsFlag = 0, void *job = nullptr);
+  // ann@example.com, who may fax (and more, by `properties`) with a default template; `section`
+  // adds lines to her section.
+  void AddFaxingSender(std::string_view section = "", int properties = 7425) const;
+  // A fax job of `sender` to `faxNumber` with the status the fax service gave it.
+  static JobRecord FaxJob(std::string_view sender, std::string_view faxNumber, std::uint32_t status = 0);
+
+  std::uint32_t tick = 1000;  // the tick count the library reads
 };
 
 }  // namespace tqv::testing
