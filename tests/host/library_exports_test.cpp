@@ -8,7 +8,7 @@
 
 #include "support/installation.h"
 #include "support/platform_backend.h"
-#include "tqv/host_library.h"
+#include "tqv/host/host_library.h"
 #include "tqvspool.h"
 
 namespace tqv {
