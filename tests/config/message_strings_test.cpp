@@ -9,7 +9,7 @@
 
 #include "platform/profile.h"
 #include "support/temp_dir.h"
-#include "tqv/check_string_file.h"
+#include "tqv/check/check_string_file.h"
 
 namespace tqv {
 namespace {
