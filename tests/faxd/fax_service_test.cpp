@@ -1,0 +1,193 @@
+// The built tqvfaxd against the built library in a temporary installation: a job with a cover
+// page, a message text and a PDF goes out over the loopback line, is reported back with the
+// session's results, and comes in again as a received fax that the library routes by the station
+// identifier and by a word recognised on the PDF's page.
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "common/job_record.h"
+#include "faxd/child_process.h"
+#include "support/installation.h"
+#include "support/platform_backend.h"
+
+namespace tqv::faxd {
+namespace {
+
+constexpr const char *kStation = "+49 89 5550100";
+
+class FaxService : public tqv::testing::InstallationTest {
+ protected:
+  void SetUp() override {
+    InstallationTest::SetUp();
+    WriteFile(ProductDir() + "/tqvadmin.ini", tqv::testing::Crlf("[Recipient List]\n"
+                                                                 "anna@example.com=Anna Berger\n"
+                                                                 "bob@example.com=Bob\n"
+                                                                 "carol@example.com=Carol\n"
+                                                                 "dave@example.com=Dave\n"
+                                                                 "[Recipients Properties]\n"
+                                                                 "anna@example.com=1\n"
+                                                                 "bob@example.com=0\n"
+                                                                 "carol@example.com=0\n"
+                                                                 "dave@example.com=2\n"
+                                                                 "[Routing]\n"
+                                                                 "CSID_00000=carol@example.com," +
+                                                                 std::string(kStation) +
+                                                                 "\n"
+                                                                 "OCRKW_00000=bob@example.com,PINEAPPLE\n"));
+    std::filesystem::create_directories(GatewayOut() + "/PENDING");
+  }
+
+  // A document of the job in the pending directory, by its Windows-form name.
+  std::string Document(const std::string &name, const std::string &bytes) const {
+    WriteFile(GatewayOut() + "/PENDING/" + name, bytes);
+    return PendingDir() + "\\" + name;
+  }
+
+  std::string MakePdf(const std::string &name, const std::string &postScript) const {
+    WriteFile(PathOf("source.ps"), postScript);
+    const ChildResult made =
+        RunChild({"gs", "-q", "-dNOPAUSE", "-dBATCH", "-dSAFER", "-sDEVICE=pdfwrite",
+                  "-sOutputFile=" + GatewayOut() + "/PENDING/" + name, PathOf("source.ps")},
+                 60);
+    EXPECT_EQ(made.exitCode, 0) << made.output;
+    return PendingDir() + "\\" + name;
+  }
+
+  void WriteJob(const std::string &name, const std::vector<std::string> &files, const std::string &cover = {},
+                const std::string &message = {}) const {
+    JobRecord record = JobRecord::WithTag(kFaxJobTag);
+    JobRecordView job = record.View();
+    job.SetText(job::JobFile, PendingDir() + "\\" + name);
+    job.SetText(job::SenderEmail, "anna@example.com");
+    job.SetText(job::SenderName, "Anna Berger");
+    job.SetText(job::RecipientName, "Sales Office");
+    job.SetText(job::FaxNumber, "5550199");
+    job.SetText(job::Subject, "Order");
+    job.SetText(job::FaxHeader, "HOFMANN SALES");
+    job.SetNumber(job::FineResolution, std::uint32_t{1});
+    job.SetText(job::Party(job::RecipientParty, PartyField::Company), "Hofmann GmbH");
+    job.SetText(job::CoverPageFile, cover);
+    job.SetText(job::MessageTextFile, message);
+    for (std::size_t i = 0; i < files.size(); ++i)
+      job.SetText(job::File(static_cast<int>(i)), files[i]);
+    job.SetNumber(job::FileCount, static_cast<std::int32_t>(files.size()));
+    ASSERT_TRUE(WriteJobFile(GatewayOut() + "/PENDING/" + name, record));
+  }
+
+  tqv::testing::ProgramOutcome RunOnce(std::vector<std::string> extra = {}) const {
+    std::vector<std::string> arguments = {
+        "--once",           "--due",  "--library",   TQV_LIBRARY_PATH, "--spool-dir", PathOf("spool"),
+        "--station-id",     kStation, "--answer-id", "+1 555 0199",    "--pictures",  PathOf("pictures"),
+        "--attach-ocr-text"};
+    arguments.insert(arguments.end(), extra.begin(), extra.end());
+    return tqv::testing::RunProgram(TQV_FAXD_PATH, arguments, Dir());
+  }
+
+  // The message of the gateway-in directory addressed to `user`; empty when none.
+  std::string MessageTo(const std::string &user) const {
+    for (const std::string &message : Messages())
+      if (message.find("RCPT TO:" + user + "\r\n") != std::string::npos) return message;
+    return {};
+  }
+};
+
+TEST_F(FaxService, AJobGoesOutAndComesBackInRoutedByStationAndRecognisedWord) {
+  if (!ProgramAvailable("tesseract")) GTEST_SKIP() << "tesseract is not installed";
+  const std::string cover =
+      Document("0000C0VR.RTF",
+               "{\\rtf1\\ansi {\\b FAX} to <TO_NAME>, <TO_COMPANY>\\par from <FROM_NAME>\\par "
+               "Subject: <SUBJECT>\\par Pages: <PAGES>}");
+  const std::string message =
+      Document("00000001.txt", "Dear Sir or Madam,\r\n\r\nplease find our order attached.\r\n");
+  const std::string pdf = MakePdf("00000002.PDF",
+                                  "%!PS\n/Helvetica findfont 36 scalefont setfont\n"
+                                  "72 650 moveto (PINEAPPLE) show showpage\n");
+  WriteJob("00000003.TQV", {pdf}, cover, message);
+
+  const tqv::testing::ProgramOutcome run = RunOnce();
+  ASSERT_EQ(run.exitCode, 0) << run.err << run.out;
+  EXPECT_NE(run.out.find("call: job 00000003 to 5550199: delivered, 3 pages at 14400 bit/s"),
+            std::string::npos)
+      << run.out;
+  EXPECT_NE(run.out.find("receive: 3 pages from \"+49 89 5550100\""), std::string::npos) << run.out;
+  EXPECT_NE(run.out.find("done: 1 job: 1 delivered, 0 failed, 0 to JFAX, 0 back in queue; 1 fax received"),
+            std::string::npos)
+      << run.out;
+
+  // The delivery report carries the session's results.
+  const std::string report = MessageTo("anna@example.com");
+  EXPECT_NE(report.find("FAX-Status:2\r\n"), std::string::npos) << report;
+  EXPECT_NE(report.find("FAX-PagesTransferred:3\r\n"), std::string::npos) << report;
+
+  // Carol by the station identifier, Bob by the word on the PDF's page; Dave takes only faxes
+  // nobody else was routed.
+  const std::string received = MessageTo("bob@example.com");
+  ASSERT_FALSE(received.empty()) << run.out;
+  EXPECT_NE(received.find("RCPT TO:carol@example.com\r\n"), std::string::npos);
+  EXPECT_EQ(received.find("RCPT TO:dave@example.com\r\n"), std::string::npos);
+  // The recognised text went with it: the cover page's fields were filled in.
+  EXPECT_NE(received.find("Hofmann GmbH"), std::string::npos);
+  EXPECT_NE(received.find("Pages: 3"), std::string::npos);
+  EXPECT_NE(received.find("PINEAPPLE"), std::string::npos);
+
+  // Pictures of every page, both ways; the job's documents and the spool are cleaned up.
+  for (const char *side : {"sent", "received"})
+    for (int page = 1; page <= 3; ++page)
+      EXPECT_TRUE(Exists(PathOf("pictures/") + side + "-00000003-" + std::to_string(page) + ".png"))
+          << side << " " << page;
+  EXPECT_FALSE(Exists(GatewayOut() + "/PENDING/00000002.PDF"));
+  EXPECT_TRUE(std::filesystem::is_empty(PathOf("spool")));
+}
+
+TEST_F(FaxService, FailuresAreReportedBackWithTheirResultCode) {
+  struct Case {
+    std::vector<std::string> arguments;
+    std::string document;
+    const char *status;
+    const char *info;
+  };
+  const std::vector<Case> cases = {
+      {{"--far-end", "busy"}, "Hello\r\n", "FAX-Status:0", "busy"},
+      {{"--far-end", "refusing"}, "Hello\r\n", "FAX-Status:1", "Failed on page 1 of 1"},
+      {{},
+       std::string("PK\x03\x04\x14\0\x06\0 word/document.xml", 26),
+       "FAX-Status:0",
+       "Not sent: document 1 (0000D0C1.DOC) is of a kind that cannot be faxed"},
+  };
+  for (const Case &c : cases) {
+    SCOPED_TRACE(c.info);
+    for (const std::string &message : Messages())
+      (void)message;
+    std::filesystem::remove_all(GatewayIn());
+    std::filesystem::create_directories(GatewayIn());
+    WriteJob("0000D0C2.TQV", {Document("0000D0C1.DOC", c.document)});
+    std::vector<std::string> arguments = c.arguments;
+    arguments.push_back("--no-ocr");
+    const tqv::testing::ProgramOutcome run = RunOnce(arguments);
+    ASSERT_EQ(run.exitCode, 0) << run.err << run.out;
+    EXPECT_NE(run.out.find("1 failed"), std::string::npos) << run.out;
+    const std::string report = MessageTo("anna@example.com");
+    EXPECT_NE(report.find(std::string(c.status) + "\r\n"), std::string::npos) << report;
+    EXPECT_NE(report.find(c.info), std::string::npos) << report;
+    // Nothing came in, so nobody got a fax.
+    EXPECT_TRUE(MessageTo("bob@example.com").empty());
+  }
+}
+
+TEST_F(FaxService, AServiceThatCannotStartSaysWhy) {
+  const tqv::testing::ProgramOutcome missing =
+      tqv::testing::RunProgram(TQV_FAXD_PATH, {"--once", "--library", PathOf("none.so")}, Dir());
+  EXPECT_EQ(missing.exitCode, 2);
+  EXPECT_NE(missing.err.find("none.so"), std::string::npos);
+  std::filesystem::remove(ProductDir() + "/tqstring.ini");
+  const tqv::testing::ProgramOutcome refused = RunOnce();
+  EXPECT_EQ(refused.exitCode, 1);
+  EXPECT_NE(refused.err.find("S_Initialise failed"), std::string::npos) << refused.err;
+  EXPECT_EQ(tqv::testing::RunProgram(TQV_FAXD_PATH, {"--far-end", "moon"}, Dir()).exitCode, 64);
+}
+
+}  // namespace
+}  // namespace tqv::faxd

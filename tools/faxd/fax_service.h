@@ -1,0 +1,61 @@
+// The fax service: takes jobs from the library (S_Scan, S_ScannedEventAccepted), renders and sends
+// each on a fax line and hands it back with the session's results (S_FaxSent); a fax that comes in
+// on the line is stored and recognised and handed over (S_CreateReceiveFaxFile, S_FaxReceived).
+// One log line per call. A job that cannot be rendered or sent is reported back, never dropped.
+#pragma once
+
+#include <functional>
+#include <ostream>
+#include <string>
+
+#include "faxd/fax_line.h"
+#include "faxd/ocr.h"
+#include "faxd/page_image.h"
+#include "tqv/host_library.h"
+
+namespace tqv::faxd {
+
+struct ServiceOptions {
+  std::string spoolDir;               // the service's own working directory (exists)
+  std::string stationId = "TQVFAXD";  // our identifier when sending
+  std::int32_t dueJobsFlag = 0;
+  OcrOptions ocr;
+  bool recognise = true;       // run OCR on received faxes when Tesseract is there
+  bool attachOcrText = false;  // the recognised text goes to the users with the fax
+  std::string pictureDir;      // PNGs of every page sent and received; empty = none
+  int renderTimeoutSeconds = 120;
+};
+
+struct ServiceCounts {
+  int jobs = 0;
+  int delivered = 0;
+  int failed = 0;  // not sent or sending failed
+  int jfax = 0;
+  int pending = 0;  // not due yet, back in the queue
+  int received = 0;
+};
+
+// "3 jobs: 2 delivered, 1 failed, 0 to JFAX, 0 back in queue; 2 faxes received".
+std::string CountsSummary(const ServiceCounts &counts);
+
+class FaxService {
+ public:
+  FaxService(const tool::EntryPoints &entries, FaxLine &line, ServiceOptions options, std::ostream &log)
+      : entries_(entries), line_(line), options_(std::move(options)), log_(log) {}
+
+  // Asks for jobs until the library has none (or none but those put back in this cycle), and
+  // handles each. `stopRequested` is asked before every S_Scan.
+  ServiceCounts RunCycle(const std::function<bool()> &stopRequested = {});
+
+ private:
+  void SendJob(unsigned char *job, ServiceCounts &counts);
+  void HandOverReceived(const CallResult &call, const std::string &name, ServiceCounts &counts);
+
+  const tool::EntryPoints &entries_;
+  FaxLine &line_;
+  ServiceOptions options_;
+  std::ostream &log_;
+  int jobsSeen_ = 0;
+};
+
+}  // namespace tqv::faxd
