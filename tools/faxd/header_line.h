@@ -1,5 +1,6 @@
 // The fax header line at the top of every page: the sender's header text, the time of sending and
-// "Page n/m", drawn by Ghostscript in one run for all pages and laid over each page's top rows.
+// "Page n/m" in Courier, laid over each page's top rows. Characters outside Latin-1's printable
+// ones are left blank.
 #pragma once
 
 #include <ctime>

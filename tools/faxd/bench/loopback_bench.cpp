@@ -1,0 +1,137 @@
+// tqvfaxd_bench: pages rendered and sent per second on the loopback line, against spandsp's own
+// loopback of the same pages (two fax engines wired back to back, nothing else), which is the
+// limit. Prints both rates and their ratio; exit code 1 when a run fails.
+//   tqvfaxd_bench [pages] [runs]
+#include <spandsp.h>
+
+#include <chrono>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <iostream>
+
+#include "faxd/child_process.h"
+#include "faxd/document_renderer.h"
+#include "faxd/header_line.h"
+#include "faxd/loopback_line.h"
+#include "faxd/tiff_class_f.h"
+
+namespace {
+
+using namespace tqv::faxd;
+using Clock = std::chrono::steady_clock;
+
+// A page of business text per page, as an office sends it.
+std::string DocumentPostScript(int pages) {
+  std::string program = "%!PS\n/Courier findfont 10 scalefont setfont\n";
+  for (int page = 1; page <= pages; ++page) {
+    for (int line = 0; line < 60; ++line)
+      program += "60 " + std::to_string(780 - 12 * line) + " moveto (Page " + std::to_string(page) +
+                 " line " + std::to_string(line) +
+                 ": 6204 ball bearing, 4.10 per piece, delivery in two weeks.) show\n";
+    program += "showpage\n";
+  }
+  return program;
+}
+
+struct Done {
+  bool finished = false;
+  int code = -1;
+};
+
+void PhaseE(t30_state_t *, void *user, int code) {
+  static_cast<Done *>(user)->finished = true;
+  static_cast<Done *>(user)->code = code;
+}
+
+// spandsp alone: the same file between two terminals, audio handed over as it is made.
+bool SpandspLoopback(const std::string &tiff, const std::string &received) {
+  fax_state_t *caller = fax_init(nullptr, 1), *answerer = fax_init(nullptr, 0);
+  Done callerDone, answererDone;
+  for (fax_state_t *fax : {caller, answerer}) {
+    t30_state_t *t30 = fax_get_t30_state(fax);
+    t30_set_supported_modems(t30, T30_SUPPORT_V27TER | T30_SUPPORT_V29 | T30_SUPPORT_V17);
+    t30_set_supported_compressions(
+        t30, T30_SUPPORT_T4_1D_COMPRESSION | T30_SUPPORT_T4_2D_COMPRESSION | T30_SUPPORT_T6_COMPRESSION);
+    t30_set_ecm_capability(t30, 1);
+    fax_set_transmit_on_idle(fax, 1);
+  }
+  t30_set_tx_file(fax_get_t30_state(caller), tiff.c_str(), -1, -1);
+  t30_set_rx_file(fax_get_t30_state(answerer), received.c_str(), -1);
+  t30_set_phase_e_handler(fax_get_t30_state(caller), PhaseE, &callerDone);
+  t30_set_phase_e_handler(fax_get_t30_state(answerer), PhaseE, &answererDone);
+  int16_t forth[160], back[160];
+  for (long samples = 0; !(callerDone.finished && answererDone.finished) && samples < 8000L * 3600;
+       samples += 160) {
+    const int made = fax_tx(caller, forth, 160);
+    const int answered = fax_tx(answerer, back, 160);
+    for (int i = made; i < 160; ++i)
+      forth[i] = 0;
+    for (int i = answered; i < 160; ++i)
+      back[i] = 0;
+    fax_rx(answerer, forth, 160);
+    fax_rx(caller, back, 160);
+  }
+  fax_free(caller);
+  fax_free(answerer);
+  return callerDone.code == T30_ERR_OK;
+}
+
+double Seconds(Clock::time_point since) {
+  return std::chrono::duration<double>(Clock::now() - since).count();
+}
+
+}  // namespace
+
+int main(int argc, char **argv) {
+  const int pageCount = argc > 1 ? std::max(1, std::atoi(argv[1])) : 10;
+  const int runs = argc > 2 ? std::max(1, std::atoi(argv[2])) : 3;
+  std::string pattern = (std::filesystem::temp_directory_path() / "tqvfaxd-bench-XXXXXX").string();
+  if (!mkdtemp(pattern.data())) return 1;
+  const std::filesystem::path dir = pattern;
+  std::ofstream(dir / "document.ps") << DocumentPostScript(pageCount);
+  const std::string pdf = (dir / "document.pdf").string();
+  if (RunChild({"gs", "-q", "-dNOPAUSE", "-dBATCH", "-dSAFER", "-sDEVICE=pdfwrite", "-sOutputFile=" + pdf,
+                (dir / "document.ps").string()},
+               120)
+          .exitCode != 0) {
+    std::cerr << "tqvfaxd_bench: Ghostscript cannot make the document\n";
+    return 1;
+  }
+  const RenderContext context{Resolution::Fine, dir.string(), 120};
+  const std::string tiff = (dir / "send.tif").string();
+  double ours = 0, limit = 0;
+  for (int run = 0; run < runs; ++run) {
+    // Ours: the PDF rendered, the header line drawn, the file written, the call made.
+    const Clock::time_point start = Clock::now();
+    std::vector<PageImage> pages;
+    std::string error;
+    LoopbackOptions options;
+    options.receiveDir = dir.string();
+    if (!RenderDocument(pdf, context, pages, error) || !StampHeaderLines(pages, "BENCH", 0, context, error) ||
+        !WriteClassF(tiff, pages, error)) {
+      std::cerr << "tqvfaxd_bench: " << error << "\n";
+      return 1;
+    }
+    const CallResult call = LoopbackLine(options).Call({"1", tiff, "BENCH"});
+    ours += Seconds(start);
+    if (call.sender.pages != pageCount) {
+      std::cerr << "tqvfaxd_bench: the loopback line sent " << call.sender.pages << " pages\n";
+      return 1;
+    }
+    // The limit: the same pages, spandsp alone.
+    const Clock::time_point bare = Clock::now();
+    if (!SpandspLoopback(tiff, (dir / "bare.tif").string())) {
+      std::cerr << "tqvfaxd_bench: spandsp's own loopback failed\n";
+      return 1;
+    }
+    limit += Seconds(bare);
+  }
+  std::error_code ignored;
+  std::filesystem::remove_all(dir, ignored);
+  const double pagesSent = static_cast<double>(pageCount) * runs;
+  std::cout << "tqvfaxd loopback: " << pagesSent / ours
+            << " pages/s (render + send), spandsp loopback: " << pagesSent / limit << " pages/s, ratio "
+            << ours / limit << " (goal <= 1.3)\n";
+  return 0;
+}
