@@ -4,6 +4,7 @@
 // identifier and by a word recognised on the PDF's page.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <string>
 #include <vector>
@@ -175,6 +176,32 @@ TEST_F(FaxService, FailuresAreReportedBackWithTheirResultCode) {
     // Nothing came in, so nobody got a fax.
     EXPECT_TRUE(MessageTo("bob@example.com").empty());
   }
+}
+
+// The next job is rendered while the last one is on the line: every job still comes back once,
+// with its own results, and one that cannot be rendered between two others holds up neither.
+TEST_F(FaxService, JobsOfOneCycleEachComeBackWithTheirOwnResults) {
+  WriteJob("00000011.TQV", {Document("00000012.TXT", "One\r\n")});
+  WriteJob("00000013.TQV", {Document("00000014.DOC", std::string("PK\x03\x04\x14\0\x06\0", 8))});
+  WriteJob("00000015.TQV", {Document("00000016.TXT", "Two\fpages\r\n")});
+  const tqv::testing::ProgramOutcome run = RunOnce({"--no-ocr"});
+  ASSERT_EQ(run.exitCode, 0) << run.err << run.out;
+  EXPECT_NE(run.out.find("done: 3 jobs: 2 delivered, 1 failed, 0 to JFAX, 0 back in queue; 2 faxes received"),
+            std::string::npos)
+      << run.out;
+  std::vector<std::string> reports;
+  for (const std::string &message : Messages())
+    if (message.find("RCPT TO:anna@example.com\r\n") != std::string::npos) reports.push_back(message);
+  ASSERT_EQ(reports.size(), 3u);
+  std::string pages;
+  for (const std::string &report : reports) {
+    const std::size_t at = report.find("FAX-PagesTransferred:");
+    pages += report.substr(at + 21, report.find('\r', at) - at - 21);
+  }
+  // Each report carries its own job's pages: 1, 0 (not rendered) and 2, in some order.
+  std::sort(pages.begin(), pages.end());
+  EXPECT_EQ(pages, "012");
+  EXPECT_TRUE(std::filesystem::is_empty(PathOf("spool")));
 }
 
 TEST_F(FaxService, AServiceThatCannotStartSaysWhy) {

@@ -1,12 +1,15 @@
-// The service's cycle. Each job gets a scratch directory of its own under the spool directory,
-// removed when the job is handed back; a received fax is copied to the name the library gives it
-// before the library hears of it.
+// The service's cycle. The call of one job runs on a thread of its own while the next job is
+// rendered, so the line is kept busy; the library is called from the service's thread alone. Each
+// job gets a scratch directory of its own under the spool directory, removed when it is handed back; a
+// received fax is copied to the name the library gives it before the library hears of it.
 #include "faxd/fax_service.h"
 
 #include <array>
 #include <ctime>
 #include <filesystem>
 #include <fstream>
+#include <future>
+#include <memory>
 #include <set>
 #include <system_error>
 
@@ -36,7 +39,8 @@ std::string BitRateText(std::int32_t speedCode) {
 }
 
 std::string Plural(std::uint32_t count, const std::string &word) {
-  return std::to_string(count) + " " + word + (count == 1 ? "" : "s");
+  // "fax" takes "es", as a word ending in x does.
+  return std::to_string(count) + " " + word + (count == 1 ? "" : word.ends_with('x') ? "es" : "s");
 }
 
 // Removes the directory and what it holds when the job is done with it.
@@ -68,11 +72,34 @@ std::string CountsSummary(const ServiceCounts &counts) {
          Plural(static_cast<std::uint32_t>(counts.received), "fax") + " received";
 }
 
+// One job between the scan and S_FaxSent: its record, its scratch directory and, once it is on
+// the line, the call running on a thread of its own.
+struct FaxService::JobInFlight {
+  std::array<unsigned char, TQV_JOB_RECORD_SIZE> record{};
+  std::string name;
+  std::string number;
+  std::unique_ptr<ScratchDir> scratch;
+  std::size_t pageCount = 0;
+  std::string renderError;  // not empty: the job cannot be sent
+  std::future<CallResult> call;
+};
+
+namespace {
+
+// The job's call result, waited for; the line is free again afterwards.
+CallResult Wait(std::future<CallResult> &call) {
+  return call.valid() ? call.get() : CallResult{};
+}
+
+}  // namespace
+
 ServiceCounts FaxService::RunCycle(const std::function<bool()> &stopRequested) {
   ServiceCounts counts;
   std::set<std::string> putBack;
   std::array<unsigned char, TQV_JOB_RECORD_SIZE> buffer{};
   unsigned char *job = buffer.data();
+  // The job on the line while the next is rendered: one line, so at most one.
+  std::unique_ptr<JobInFlight> onLine;
   while (!(stopRequested && stopRequested())) {
     buffer.fill(0);
     if (entries_.scan(options_.dueJobsFlag, job) != 1) break;
@@ -97,37 +124,63 @@ ServiceCounts FaxService::RunCycle(const std::function<bool()> &stopRequested) {
       log_ << "job " << name << ": handed back for the JFAX service" << std::endl;
       continue;
     }
-    SendJob(job, counts);
+    std::unique_ptr<JobInFlight> next = Prepare(job);
+    // The line is free once the call on it has ended: the next call starts before the last job
+    // is handed back and its incoming fax recognised.
+    std::unique_ptr<JobInFlight> done = std::move(onLine);
+    CallResult doneCall;
+    if (done) doneCall = Wait(done->call);
+    if (next->renderError.empty()) {
+      // Only the line works on the other thread; the library is called from this one alone.
+      next->call = std::async(std::launch::async, [this, &prepared = *next] {
+        return line_.Call(
+            {prepared.number, (prepared.scratch->path / "send.tif").string(), options_.stationId});
+      });
+      onLine = std::move(next);
+    }
+    if (done) Finish(*done, doneCall, counts);
+    if (next) Finish(*next, {}, counts);
   }
+  if (onLine) Finish(*onLine, Wait(onLine->call), counts);
   return counts;
 }
 
-void FaxService::SendJob(unsigned char *job, ServiceCounts &counts) {
-  const std::string name = fs::path(platform::ToNativePath(ReadText(job, JobFile))).stem().string();
-  const std::string number = ReadText(job, FaxNumber);
-  const ScratchDir scratch(fs::path(options_.spoolDir) / ("job-" + std::to_string(++jobsSeen_)));
+std::unique_ptr<FaxService::JobInFlight> FaxService::Prepare(const unsigned char *job) {
+  auto prepared = std::make_unique<JobInFlight>();
+  std::copy(job, job + TQV_JOB_RECORD_SIZE, prepared->record.begin());
+  prepared->name = fs::path(platform::ToNativePath(ReadText(job, JobFile))).stem().string();
+  prepared->number = ReadText(job, FaxNumber);
+  prepared->scratch =
+      std::make_unique<ScratchDir>(fs::path(options_.spoolDir) / ("job-" + std::to_string(++jobsSeen_)));
   const RenderContext context{ReadNumber(job, FineResolution) != 0 ? Resolution::Fine : Resolution::Normal,
-                              scratch.path.string(), options_.renderTimeoutSeconds};
+                              prepared->scratch->path.string(), options_.renderTimeoutSeconds};
   const std::time_t now = std::time(nullptr);
   std::vector<PageImage> pages;
   std::string error;
-  const std::string tiff = (scratch.path / "send.tif").string();
-  RecordOutcome outcome;
-  CallResult call;
-  bool called = false;
+  const std::string tiff = (prepared->scratch->path / "send.tif").string();
   if (!RenderJob(DocumentsOfJob(job, now), now, context, pages, error) || !WriteClassF(tiff, pages, error)) {
-    outcome.statusInfo = "Not sent: " + error;
-  } else {
-    if (!options_.pictureDir.empty()) WritePictures(tiff, options_.pictureDir + "/sent-" + name, log_);
-    call = line_.Call({number, tiff, options_.stationId});
+    prepared->renderError = error;
+  } else if (!options_.pictureDir.empty()) {
+    WritePictures(tiff, options_.pictureDir + "/sent-" + prepared->name, log_);
+  }
+  prepared->pageCount = pages.size();
+  return prepared;
+}
+
+void FaxService::Finish(JobInFlight &prepared, const CallResult &call, ServiceCounts &counts) {
+  unsigned char *job = prepared.record.data();
+  RecordOutcome outcome;
+  const bool called = prepared.renderError.empty();
+  if (called) {
     outcome = SendOutcomeOf(call);
-    called = true;
+  } else {
+    outcome.statusInfo = "Not sent: " + prepared.renderError;
   }
   WriteText(job, RemoteId, outcome.remoteId);
   WriteText(job, Port, line_.Port());
   WriteNumber(job, Status, outcome.status);
   WriteText(job, StatusInfo, outcome.statusInfo);
-  WriteNumber(job, TotalPages, static_cast<std::uint32_t>(pages.size()));
+  WriteNumber(job, TotalPages, static_cast<std::uint32_t>(prepared.pageCount));
   WriteNumber(job, PagesTransferred, outcome.pages);
   WriteNumber(job, SpeedCode, outcome.speedCode);
   WriteNumber(job, CallDuration, outcome.callDuration);
@@ -135,7 +188,7 @@ void FaxService::SendJob(unsigned char *job, ServiceCounts &counts) {
   ++(outcome.status == kStatusDelivered ? counts.delivered : counts.failed);
   entries_.faxSent(job);
 
-  std::string line = "call: job " + name + " to " + number + ": ";
+  std::string line = "call: job " + prepared.name + " to " + prepared.number + ": ";
   if (outcome.status == kStatusDelivered) {
     line += "delivered, " + Plural(outcome.pages, "page") + " at " + BitRateText(outcome.speedCode) + " in " +
             std::to_string(outcome.callDuration) + " s to \"" + outcome.remoteId + "\"";
@@ -145,7 +198,8 @@ void FaxService::SendJob(unsigned char *job, ServiceCounts &counts) {
       line += " (" + Plural(outcome.pages, "page") + " sent, " + std::to_string(outcome.callDuration) + " s)";
   }
   log_ << line << std::endl;
-  if (called && call.received) HandOverReceived(call, name, counts);
+  if (called && call.received) HandOverReceived(call, prepared.name, counts);
+  prepared.scratch.reset();
 }
 
 void FaxService::HandOverReceived(const CallResult &call, const std::string &name, ServiceCounts &counts) {

@@ -5,6 +5,7 @@
 #pragma once
 
 #include <functional>
+#include <memory>
 #include <ostream>
 #include <string>
 
@@ -48,7 +49,11 @@ class FaxService {
   ServiceCounts RunCycle(const std::function<bool()> &stopRequested = {});
 
  private:
-  void SendJob(unsigned char *job, ServiceCounts &counts);
+  struct JobInFlight;
+  // Renders the job into its scratch directory; a failure is kept for Finish to report.
+  std::unique_ptr<JobInFlight> Prepare(const unsigned char *job);
+  // Hands the job back with its call's results (S_FaxSent), and the fax that came in over.
+  void Finish(JobInFlight &job, const CallResult &call, ServiceCounts &counts);
   void HandOverReceived(const CallResult &call, const std::string &name, ServiceCounts &counts);
 
   const tool::EntryPoints &entries_;
