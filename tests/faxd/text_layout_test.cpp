@@ -59,7 +59,7 @@ TEST(RtfSubset, TextOfTheSubset) {
       {R"({\rtf1 caf\'e9 \u233?t\u8364?})", "caf\xE9 \xE9t?"},
       {R"({\rtf1 {\*\generator Writer;}{\info{\title T}}Text})", "Text"},
       {R"({\rtf1 \trowd\cellx100\cellx200 Name\cell Fax\cell\row One\cell 555\cell\row})",
-       "Name | Fax\nOne | 555\n"},
+       "Name | Fax\nOne | 555"},
       {R"({\rtf1 One\page Two})", "One\fTwo"},
       {R"({\rtf1 unclosed {group)", "unclosed group"},
       {"{\\rtf1 source\r\nline ends}", "sourceline ends"},

@@ -7,6 +7,7 @@
 #include "faxd/document_kind.h"
 #include "faxd/ghostscript_renderer.h"
 #include "faxd/rtf_subset.h"
+#include "faxd/styled_page.h"
 #include "faxd/text_page.h"
 #include "faxd/tiff_document.h"
 
@@ -52,7 +53,8 @@ bool RenderDocument(const std::string &path, const RenderContext &context, std::
         why = "it cannot be read or is larger than 4 MiB";
         break;
       }
-      rendered = RenderText(kind == DocumentKind::Rtf ? RtfToText(bytes) : bytes, context, pages, why);
+      rendered = kind == DocumentKind::Rtf ? RenderStyled(ParseRtf(bytes), context, pages, why)
+                                           : RenderText(bytes, context, pages, why);
       break;
   }
   if (!rendered) error = "is a " + std::string(KindName(kind)) + " document that cannot be rendered: " + why;

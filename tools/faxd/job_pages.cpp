@@ -2,6 +2,7 @@
 // count; the cover's own length comes from the layout, which needs no drawing.
 #include "faxd/job_pages.h"
 
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -10,6 +11,7 @@
 #include "faxd/document_renderer.h"
 #include "faxd/header_line.h"
 #include "faxd/rtf_subset.h"
+#include "faxd/styled_page.h"
 #include "faxd/text_page.h"
 #include "platform/posix/native_path.h"
 #include "tqv/host_records.h"
@@ -24,13 +26,13 @@ std::string FileNameOf(const std::string &path) {
   return fs::path(path).filename().string();
 }
 
-// The text of an RTF (or plain text) file; false when it cannot be read.
-bool ReadDocumentText(const std::string &path, std::string &text) {
+// The bytes of a cover page, template or message text; false when it cannot be read. They are
+// small documents: 4 MiB is more than any of them holds.
+bool ReadDocument(const std::string &path, std::string &bytes) {
   std::ifstream in(path, std::ios::binary);
   if (!in) return false;
-  const std::string bytes{std::istreambuf_iterator<char>(in), {}};
-  text = bytes.starts_with("{\\rtf") ? RtfToText(bytes) : bytes;
-  return true;
+  bytes.assign(std::istreambuf_iterator<char>(in), {});
+  return bytes.size() <= 4 * 1024 * 1024;
 }
 
 bool Exists(const std::string &path) {
@@ -56,14 +58,20 @@ bool RenderJob(const JobDocuments &job, std::time_t sentAt, const RenderContext 
   std::string why;
   if (!job.messageText.empty()) {
     std::string message, templateText;
-    if (!ReadDocumentText(job.messageText, message)) {
+    if (!ReadDocument(job.messageText, message)) {
       error = "the message text (" + FileNameOf(job.messageText) + ") cannot be read";
       return false;
     }
-    // A template that is named but gone leaves the message on plain paper.
-    if (Exists(job.templateFile) && !ReadDocumentText(job.templateFile, templateText)) templateText.clear();
-    if (!RenderText(OnTemplate(FillPlaceholders(templateText, job.coverFields), message), context, part,
-                    why)) {
+    // A template that is named but gone, or holds no text, leaves the message on plain paper in
+    // the fixed-width layout.
+    std::vector<StyledParagraph> templateParagraphs;
+    if (Exists(job.templateFile) && ReadDocument(job.templateFile, templateText))
+      templateParagraphs = ParagraphsOf(templateText);
+    FillPlaceholders(templateParagraphs, job.coverFields);
+    const bool onTemplate = std::any_of(templateParagraphs.begin(), templateParagraphs.end(),
+                                        [](const StyledParagraph &p) { return !p.Text().empty(); });
+    if (!(onTemplate ? RenderStyled(OnTemplate(templateParagraphs, message), context, part, why)
+                     : RenderText(message, context, part, why))) {
       error = "the message text cannot be rendered: " + why;
       return false;
     }
@@ -79,16 +87,19 @@ bool RenderJob(const JobDocuments &job, std::time_t sentAt, const RenderContext 
   pages.clear();
   if (!job.coverPage.empty()) {
     std::string cover;
-    if (!ReadDocumentText(job.coverPage, cover)) {
+    if (!ReadDocument(job.coverPage, cover)) {
       error = "the cover page (" + FileNameOf(job.coverPage) + ") cannot be read";
       return false;
     }
     // The layout tells the cover's own pages; the number of digits cannot change that.
     CoverFields fields = job.coverFields;
     fields["PAGES"] = std::to_string(body.size());
-    const std::size_t coverPages = LayOutText(FillPlaceholders(cover, fields)).size();
-    fields["PAGES"] = std::to_string(body.size() + coverPages);
-    if (!RenderText(FillPlaceholders(cover, fields), context, pages, why)) {
+    std::vector<StyledParagraph> paragraphs = ParagraphsOf(cover);
+    std::vector<StyledParagraph> filled = paragraphs;
+    FillPlaceholders(filled, fields);
+    fields["PAGES"] = std::to_string(body.size() + LayOutStyled(filled).size());
+    FillPlaceholders(paragraphs, fields);
+    if (!RenderStyled(paragraphs, context, pages, why)) {
       error = "the cover page cannot be rendered: " + why;
       return false;
     }

@@ -1,5 +1,5 @@
-// RTF to text: one pass over the groups with a stack of "skipped" flags, so a destination that is
-// left out takes everything nested inside it along.
+// RTF to styled paragraphs: one pass over the groups with a stack of styles and "skipped" flags, so
+// a destination that is left out takes everything nested inside it along.
 #include "faxd/rtf_subset.h"
 
 #include <cctype>
@@ -27,23 +27,43 @@ int HexValue(char c) {
 
 }  // namespace
 
-std::string RtfToText(std::string_view rtf) {
+std::string StyledParagraph::Text() const {
   std::string text;
-  std::vector<bool> skipped{false};
+  for (const StyledRun &run : runs)
+    text += run.text;
+  return text;
+}
+
+std::vector<StyledParagraph> ParseRtf(std::string_view rtf) {
+  std::vector<StyledParagraph> paragraphs(1);
+  // Each group keeps its own style and whether its text is skipped; '}' brings the outer one back.
+  struct Group {
+    TextStyle style;
+    bool skipped = false;
+  };
+  std::vector<Group> groups{Group{}};
   // After \uN the next character (the ANSI fallback) is written instead of N.
   bool fallbackPending = false;
   bool inCell = false;
   const auto emit = [&](char c) {
-    if (!skipped.back()) text += c;
+    if (groups.back().skipped) return;
+    std::vector<StyledRun> &runs = paragraphs.back().runs;
+    if (runs.empty() || runs.back().style != groups.back().style) runs.push_back({{}, groups.back().style});
+    runs.back().text += c;
+  };
+  const auto endParagraph = [&](bool newPage) {
+    if (groups.back().skipped) return;
+    paragraphs.emplace_back();
+    paragraphs.back().newPage = newPage;
   };
   for (std::size_t i = 0; i < rtf.size(); ++i) {
     const char c = rtf[i];
     if (c == '{') {
-      skipped.push_back(skipped.back());
+      groups.push_back(groups.back());
       // "{\*\name" is a destination a reader may ignore when it does not know it.
-      if (rtf.substr(i + 1, 2) == "\\*") skipped.back() = true;
+      if (rtf.substr(i + 1, 2) == "\\*") groups.back().skipped = true;
     } else if (c == '}') {
-      if (skipped.size() > 1) skipped.pop_back();
+      if (groups.size() > 1) groups.pop_back();
     } else if (c == '\\') {
       if (i + 1 >= rtf.size()) break;
       const char next = rtf[i + 1];
@@ -67,10 +87,19 @@ std::string RtfToText(std::string_view rtf) {
           ++numberEnd;
         // One space after a control word belongs to it.
         i = numberEnd < rtf.size() && rtf[numberEnd] == ' ' ? numberEnd : numberEnd - 1;
+        const std::string_view number = rtf.substr(end, numberEnd - end);
         if (kSkippedDestinations.count(word) != 0) {
-          skipped.back() = true;
+          groups.back().skipped = true;
         } else if (word == "par" || word == "line" || word == "sect" || word == "page") {
-          emit(word == "page" ? '\f' : '\n');
+          endParagraph(word == "page");
+        } else if (word == "b" || word == "i") {
+          // "\b" and "\b1" switch on, "\b0" off.
+          (word == "b" ? groups.back().style.bold : groups.back().style.italic) = number != "0";
+        } else if (word == "fs") {
+          const long halfPoints = std::strtol(std::string(number).c_str(), nullptr, 10);
+          groups.back().style.halfPoints = halfPoints > 0 ? static_cast<int>(halfPoints) : 24;
+        } else if (word == "plain") {
+          groups.back().style = TextStyle{};
         } else if (word == "tab") {
           emit('\t');
         } else if (word == "cell") {
@@ -80,13 +109,17 @@ std::string RtfToText(std::string_view rtf) {
           inCell = true;
         } else if (word == "row") {
           // The last cell's separator has no cell after it.
-          if (inCell && text.size() >= 3 && text.ends_with(" | ")) text.resize(text.size() - 3);
-          emit('\n');
+          std::vector<StyledRun> &runs = paragraphs.back().runs;
+          if (inCell && !runs.empty() && runs.back().text.ends_with(" | ")) {
+            runs.back().text.resize(runs.back().text.size() - 3);
+            if (runs.back().text.empty()) runs.pop_back();
+          }
+          endParagraph(false);
           inCell = false;
         } else if (word == "u") {
           // A Latin-1 code point is written as itself and its fallback skipped; any other is left
           // to its fallback character.
-          long point = std::strtol(std::string(rtf.substr(end, numberEnd - end)).c_str(), nullptr, 10);
+          long point = std::strtol(std::string(number).c_str(), nullptr, 10);
           if (point < 0) point += 65536;
           if (point >= 0 && point < 256) {
             emit(static_cast<char>(point));
@@ -117,6 +150,19 @@ std::string RtfToText(std::string_view rtf) {
       }
       emit(c);
     }
+  }
+  // A document ending in \par has no paragraph after it.
+  if (paragraphs.size() > 1 && paragraphs.back().runs.empty() && !paragraphs.back().newPage)
+    paragraphs.pop_back();
+  return paragraphs;
+}
+
+std::string RtfToText(std::string_view rtf) {
+  const std::vector<StyledParagraph> paragraphs = ParseRtf(rtf);
+  std::string text;
+  for (std::size_t i = 0; i < paragraphs.size(); ++i) {
+    if (i > 0) text += paragraphs[i].newPage ? '\f' : '\n';
+    text += paragraphs[i].Text();
   }
   return text;
 }
