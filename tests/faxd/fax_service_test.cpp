@@ -11,6 +11,7 @@
 
 #include "common/job_record.h"
 #include "faxd/child_process.h"
+#include "platform/clock.h"
 #include "support/installation.h"
 #include "support/platform_backend.h"
 
@@ -151,7 +152,7 @@ TEST_F(FaxService, FailuresAreReportedBackWithTheirResultCode) {
     const char *info;
   };
   const std::vector<Case> cases = {
-      {{"--far-end", "busy"}, "Hello\r\n", "FAX-Status:0", "busy"},
+      {{"--far-end", "busy", "--retries", "0"}, "Hello\r\n", "FAX-Status:0", "busy"},
       {{"--far-end", "refusing"}, "Hello\r\n", "FAX-Status:1", "Failed on page 1 of 1"},
       {{},
        std::string("PK\x03\x04\x14\0\x06\0 word/document.xml", 26),
@@ -202,6 +203,37 @@ TEST_F(FaxService, JobsOfOneCycleEachComeBackWithTheirOwnResults) {
   std::sort(pages.begin(), pages.end());
   EXPECT_EQ(pages, "012");
   EXPECT_TRUE(std::filesystem::is_empty(PathOf("spool")));
+}
+
+// A call that reaches no fax machine is tried again later: the job goes back into the queue with
+// its try counted and its time set, and only the last try is reported.
+TEST_F(FaxService, ABusyLineIsTriedAgainThenReported) {
+  WriteJob("00000021.TQV", {Document("00000022.TXT", "Hello\r\n")});
+  const std::int64_t before = platform::CurrentTime();
+  const tqv::testing::ProgramOutcome first =
+      RunOnce({"--far-end", "busy", "--retries", "2", "--retry-delay", "600", "--no-ocr"});
+  ASSERT_EQ(first.exitCode, 0) << first.err << first.out;
+  EXPECT_NE(first.out.find("Not sent: the line is busy; try 1 of 2 at "), std::string::npos) << first.out;
+  EXPECT_NE(first.out.find("0 failed, 0 to JFAX, 1 back in queue"), std::string::npos) << first.out;
+  EXPECT_TRUE(MessageTo("anna@example.com").empty());
+  std::vector<JobRecord> queued = PendingJobs();
+  ASSERT_EQ(queued.size(), 1u);
+  JobRecordView again = queued[0].View();
+  EXPECT_EQ(again.Number(job::NumRetries), 1u);
+  EXPECT_GE(again.Number(job::ScheduledTime), before + 600);
+  EXPECT_LE(again.Number(job::ScheduledTime), platform::CurrentTime() + 600);
+  EXPECT_TRUE(Exists(GatewayOut() + "/PENDING/00000022.TXT"));
+
+  // The last try, once it is due: reported as not sent, with the tries made.
+  again.SetNumber(job::NumRetries, std::uint32_t{2});
+  again.SetNumber(job::ScheduledTime, std::int32_t{0});
+  ASSERT_TRUE(WriteJobFile(Native(again.Text(job::JobFile)), queued[0]));
+  const tqv::testing::ProgramOutcome last = RunOnce({"--far-end", "busy", "--retries", "2", "--no-ocr"});
+  ASSERT_EQ(last.exitCode, 0) << last.err << last.out;
+  const std::string report = MessageTo("anna@example.com");
+  EXPECT_NE(report.find("FAX-Status:0\r\n"), std::string::npos) << report;
+  EXPECT_NE(report.find("FAX-NumRetries:2\r\n"), std::string::npos) << report;
+  EXPECT_TRUE(PendingJobs().empty());
 }
 
 TEST_F(FaxService, AServiceThatCannotStartSaysWhy) {

@@ -95,7 +95,7 @@ CallResult Wait(std::future<CallResult> &call) {
 
 ServiceCounts FaxService::RunCycle(const std::function<bool()> &stopRequested) {
   ServiceCounts counts;
-  std::set<std::string> putBack;
+  putBack_.clear();
   std::array<unsigned char, TQV_JOB_RECORD_SIZE> buffer{};
   unsigned char *job = buffer.data();
   // The job on the line while the next is rendered: one line, so at most one.
@@ -105,14 +105,14 @@ ServiceCounts FaxService::RunCycle(const std::function<bool()> &stopRequested) {
     if (entries_.scan(options_.dueJobsFlag, job) != 1) break;
     const std::string name = fs::path(platform::ToNativePath(ReadText(job, JobFile))).filename().string();
     // A job this cycle put back comes first again when it skips the queue: wait for the next cycle.
-    if (putBack.count(ReadText(job, JobFile)) != 0) break;
+    if (putBack_.count(ReadText(job, JobFile)) != 0) break;
     ++counts.jobs;
     entries_.scannedEventAccepted(job);
     const std::int32_t scheduled = ReadNumber(job, ScheduledTime);
     if (ReadNumber(job, SkipQueue) == 0 && scheduled > platform::CurrentTime()) {
       if (entries_.faxPending(job) == 0) {
         ++counts.pending;
-        putBack.insert(ReadText(job, JobFile));
+        putBack_.insert(ReadText(job, JobFile));
       } else {
         log_ << "job " << name << ": not due, and the library cannot store it again; it is lost" << std::endl;
       }
@@ -176,6 +176,10 @@ void FaxService::Finish(JobInFlight &prepared, const CallResult &call, ServiceCo
   } else {
     outcome.statusInfo = "Not sent: " + prepared.renderError;
   }
+  const std::uint32_t retriesMade = ReadNumber(job, NumRetries);
+  if (called && (call.line == LineState::Busy || call.line == LineState::NoAnswer) &&
+      retriesMade < options_.retries && Retry(prepared, outcome, counts))
+    return;
   WriteText(job, RemoteId, outcome.remoteId);
   WriteText(job, Port, line_.Port());
   WriteNumber(job, Status, outcome.status);
@@ -184,7 +188,6 @@ void FaxService::Finish(JobInFlight &prepared, const CallResult &call, ServiceCo
   WriteNumber(job, PagesTransferred, outcome.pages);
   WriteNumber(job, SpeedCode, outcome.speedCode);
   WriteNumber(job, CallDuration, outcome.callDuration);
-  WriteNumber(job, NumRetries, std::uint32_t{0});
   ++(outcome.status == kStatusDelivered ? counts.delivered : counts.failed);
   entries_.faxSent(job);
 
@@ -200,6 +203,29 @@ void FaxService::Finish(JobInFlight &prepared, const CallResult &call, ServiceCo
   log_ << line << std::endl;
   if (called && call.received) HandOverReceived(call, prepared.name, counts);
   prepared.scratch.reset();
+}
+
+bool FaxService::Retry(JobInFlight &prepared, const RecordOutcome &outcome, ServiceCounts &counts) {
+  unsigned char *job = prepared.record.data();
+  const std::uint32_t retry = ReadNumber(job, NumRetries) + 1;
+  const std::int64_t at = platform::CurrentTime() + options_.retryDelaySeconds;
+  WriteNumber(job, NumRetries, retry);
+  WriteNumber(job, ScheduledTime, static_cast<std::int32_t>(at));
+  WriteText(job, StatusInfo, outcome.statusInfo);
+  std::string line = "call: job " + prepared.name + " to " + prepared.number + ": " + outcome.statusInfo;
+  if (entries_.faxPending(job) != 0) {
+    log_ << line << "; the library cannot store it for another try" << std::endl;
+    return false;
+  }
+  putBack_.insert(ReadText(job, JobFile));
+  ++counts.pending;
+  const auto when = static_cast<std::time_t>(at);
+  char clock[16] = "";
+  std::tm local{};
+  if (localtime_r(&when, &local)) std::strftime(clock, sizeof clock, "%H:%M", &local);
+  log_ << line << "; try " << retry << " of " << options_.retries << " at " << clock << std::endl;
+  prepared.scratch.reset();
+  return true;
 }
 
 void FaxService::HandOverReceived(const CallResult &call, const std::string &name, ServiceCounts &counts) {

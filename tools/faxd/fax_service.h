@@ -7,8 +7,10 @@
 #include <functional>
 #include <memory>
 #include <ostream>
+#include <set>
 #include <string>
 
+#include "faxd/call_outcome.h"
 #include "faxd/fax_line.h"
 #include "faxd/ocr.h"
 #include "faxd/page_image.h"
@@ -25,6 +27,10 @@ struct ServiceOptions {
   bool attachOcrText = false;  // the recognised text goes to the users with the fax
   std::string pictureDir;      // PNGs of every page sent and received; empty = none
   int renderTimeoutSeconds = 120;
+  // A call that reached no fax machine (busy, no answer) is tried again this often, each time
+  // after this many seconds, before the job is reported as not sent.
+  std::uint32_t retries = 3;
+  int retryDelaySeconds = 300;
 };
 
 struct ServiceCounts {
@@ -32,7 +38,7 @@ struct ServiceCounts {
   int delivered = 0;
   int failed = 0;  // not sent or sending failed
   int jfax = 0;
-  int pending = 0;  // not due yet, back in the queue
+  int pending = 0;  // not due yet, or to be tried again: back in the queue
   int received = 0;
 };
 
@@ -54,6 +60,8 @@ class FaxService {
   std::unique_ptr<JobInFlight> Prepare(const unsigned char *job);
   // Hands the job back with its call's results (S_FaxSent), and the fax that came in over.
   void Finish(JobInFlight &job, const CallResult &call, ServiceCounts &counts);
+  // Stores the job again (S_FaxPending) to be tried later; false when the library cannot.
+  bool Retry(JobInFlight &job, const RecordOutcome &outcome, ServiceCounts &counts);
   void HandOverReceived(const CallResult &call, const std::string &name, ServiceCounts &counts);
 
   const tool::EntryPoints &entries_;
@@ -61,6 +69,8 @@ class FaxService {
   ServiceOptions options_;
   std::ostream &log_;
   int jobsSeen_ = 0;
+  // Job files stored again in this cycle: when one comes back, the cycle ends.
+  std::set<std::string> putBack_;
 };
 
 }  // namespace tqv::faxd

@@ -2,6 +2,7 @@
 // scratch directory and is read back with libtiff; a run that yields no page is a failure.
 #include "faxd/ghostscript_renderer.h"
 
+#include <atomic>
 #include <filesystem>
 #include <system_error>
 
@@ -13,7 +14,7 @@ namespace tqv::faxd {
 bool RenderWithGhostscript(const std::string &input, const RenderContext &context,
                            std::vector<PageImage> &pages, std::string &error, const GhostscriptPage &page) {
   namespace fs = std::filesystem;
-  static int runs = 0;
+  static std::atomic<int> runs = 0;
   const fs::path output = fs::path(context.scratchDir) / ("gs-" + std::to_string(++runs) + ".tif");
   const int height = page.heightPixels > 0 ? page.heightPixels : A4Rows(context.resolution);
   std::vector<std::string> argv = {

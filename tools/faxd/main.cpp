@@ -52,6 +52,8 @@ struct Options {
   bool noOcr = false;
   bool attachOcrText = false;
   int intervalMs = 1000;
+  std::uint32_t retries = 3;
+  int retryDelaySeconds = 300;
   // png
   std::string image;
   std::string prefix;
@@ -95,6 +97,8 @@ int RunService(const Options &options) {
   service.dueJobsFlag = options.due ? 1 : 0;
   service.recognise = !options.noOcr;
   service.attachOcrText = options.attachOcrText;
+  service.retries = options.retries;
+  service.retryDelaySeconds = options.retryDelaySeconds;
   service.pictureDir = options.pictureDir;
   if (!service.pictureDir.empty()) std::filesystem::create_directories(service.pictureDir, failed);
   FaxService fax(entries, loopback, service, std::cout);
@@ -165,6 +169,13 @@ int main(int argc, char **argv) {
                "Send the recognised text to the users along with the received fax.");
   app.add_option("--interval", options.intervalMs, "Pause between scan cycles in milliseconds.")
       ->check(CLI::Range(1, 86400000))
+      ->capture_default_str();
+  app.add_option("--retries", options.retries,
+                 "Tries more for a call that reached no fax machine (busy, no answer).")
+      ->check(CLI::Range(0, 100))
+      ->capture_default_str();
+  app.add_option("--retry-delay", options.retryDelaySeconds, "Seconds before such a call is tried again.")
+      ->check(CLI::Range(1, 86400))
       ->capture_default_str();
   CLI::App *png = app.add_subcommand("png", "Write the pages of a fax image (TIFF) as PNG files.");
   png->add_option("image", options.image, "The fax image.")->required()->check(CLI::ExistingFile);

@@ -2,6 +2,7 @@
 // scratch directory and hands it to Ghostscript, whose failure is the only one.
 #include "faxd/text_page.h"
 
+#include <atomic>
 #include <filesystem>
 #include <fstream>
 #include <system_error>
@@ -114,7 +115,7 @@ std::string TextPostScript(const std::vector<TextPage> &pages, const TextLayout 
 bool RenderText(std::string_view text, const RenderContext &context, std::vector<PageImage> &pages,
                 std::string &error) {
   namespace fs = std::filesystem;
-  static int runs = 0;
+  static std::atomic<int> runs = 0;
   const fs::path program = fs::path(context.scratchDir) / ("text-" + std::to_string(++runs) + ".ps");
   {
     std::ofstream out(program, std::ios::binary);

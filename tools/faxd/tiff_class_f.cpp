@@ -6,6 +6,7 @@
 
 #include <cstring>
 #include <memory>
+#include <mutex>
 
 namespace tqv::faxd {
 
@@ -16,10 +17,8 @@ struct TiffCloser {
 };
 using TiffFile = std::unique_ptr<TIFF, TiffCloser>;
 
-// libtiff prints to stderr by default; a service's log must hold only its own lines.
 TiffFile OpenQuietly(const std::string &path, const char *mode) {
-  TIFFSetErrorHandler(nullptr);
-  TIFFSetWarningHandler(nullptr);
+  SilenceLibtiff();
   return TiffFile(TIFFOpen(path.c_str(), mode));
 }
 
@@ -33,6 +32,15 @@ float RowsPerInchOf(TIFF *tiff) {
 }
 
 }  // namespace
+
+void SilenceLibtiff() {
+  // Once: spandsp reads TIFF files on the line's thread while pages are written on this one.
+  static std::once_flag once;
+  std::call_once(once, [] {
+    TIFFSetErrorHandler(nullptr);
+    TIFFSetWarningHandler(nullptr);
+  });
+}
 
 bool WriteClassF(const std::string &path, const std::vector<PageImage> &pages, std::string &error) {
   if (pages.empty()) {

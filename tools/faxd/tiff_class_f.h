@@ -9,6 +9,9 @@
 
 namespace tqv::faxd {
 
+// libtiff prints its warnings and errors to stderr; a service's log must hold only its own lines.
+void SilenceLibtiff();
+
 // Writes every page, in order, to a new file at `path`. False with the reason in `error`.
 bool WriteClassF(const std::string &path, const std::vector<PageImage> &pages, std::string &error);
 

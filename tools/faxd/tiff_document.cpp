@@ -2,6 +2,8 @@
 // knows; a page it cannot decode fails the whole document rather than leaving a page out.
 #include "faxd/tiff_document.h"
 
+#include "faxd/tiff_class_f.h"
+
 #include <tiffio.h>
 
 #include <algorithm>
@@ -52,8 +54,7 @@ std::vector<PageImage> FaxPagesOf(const std::vector<std::uint8_t> &image, int wi
 
 bool RenderTiffDocument(const std::string &path, const RenderContext &context, std::vector<PageImage> &pages,
                         std::string &error) {
-  TIFFSetErrorHandler(nullptr);
-  TIFFSetWarningHandler(nullptr);
+  SilenceLibtiff();
   std::unique_ptr<TIFF, TiffCloser> tiff(TIFFOpen(path.c_str(), "r"));
   if (!tiff) {
     error = "it is no TIFF file libtiff can read";
