@@ -1,4 +1,5 @@
-// The fixed-width text layout and the RTF subset: pure functions, so table-driven.
+// The fixed-width text layout, the RTF subset's text and the document kinds: pure functions, so
+// table-driven.
 #include <gtest/gtest.h>
 
 #include "faxd/document_kind.h"

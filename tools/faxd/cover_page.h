@@ -1,10 +1,5 @@
-// The cover page and the template of a job as styled paragraphs. A cover page is an RTF document
-// (the RTF subset) whose placeholders take the job's party fields:
-//   <FROM_NAME> <FROM_COMPANY> <FROM_FAX> <FROM_VOICE> <FROM_EMAIL>
-//   <TO_NAME> <TO_COMPANY> <TO_FAX> <TO_VOICE> <SUBJECT> <DATE> <PAGES>
-// each written within one run of text (one style). A template is an RTF document the message
-// text is printed on: at its <MESSAGE> placeholder, or after its text. Pure text work; it cannot
-// fail.
+// The cover page and the template of a job as styled paragraphs: placeholders filled with the
+// job's party fields, the message text set on its template. Pure text work; it cannot fail.
 #pragma once
 
 #include <map>
@@ -16,6 +11,9 @@
 
 namespace tqv::faxd {
 
+// A cover page's placeholders, each written within one run of text (one style):
+//   <FROM_NAME> <FROM_COMPANY> <FROM_FAX> <FROM_VOICE> <FROM_EMAIL>
+//   <TO_NAME> <TO_COMPANY> <TO_FAX> <TO_VOICE> <SUBJECT> <DATE> <PAGES>
 using CoverFields = std::map<std::string, std::string, std::less<>>;
 
 // Every "<NAME>" of `fields` replaced by its value; inserted text is not searched again, and an

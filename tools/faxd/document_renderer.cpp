@@ -1,4 +1,5 @@
-// Dispatch by document kind. Each renderer reports its own failure; this adds which kind it was.
+// Dispatch by document kind. Each renderer reports its own failure; this adds which kind the
+// document was, so the reason in the delivery report names it.
 #include "faxd/document_renderer.h"
 
 #include <fstream>

@@ -1,4 +1,5 @@
-// Bilevel page rasters. Pure memory work; it cannot fail short of running out of memory.
+// Bilevel page rasters: packed rows, most significant bit first. Pure memory work; it cannot fail
+// short of running out of memory.
 #include "faxd/page_image.h"
 
 #include <algorithm>

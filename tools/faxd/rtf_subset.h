@@ -1,8 +1,5 @@
-// The RTF subset the fax service draws: paragraphs (\par, \line, \page), bold (\b, \b0), italic
-// (\i, \i0), sizes (\fsN), \plain, tabs, table cells and rows as text (cells joined by " | ", a row
-// per line), escaped and hex characters (\'hh, \{ \} \\), and \uN as its Latin-1 character or else
-// its fallback. Fonts are all drawn as Courier; colours, pictures, headers and other destinations
-// are left out. It never fails: what it cannot read it skips.
+// The RTF subset the fax service draws, read into paragraphs of styled text. It never fails: what
+// it cannot read it skips.
 #pragma once
 
 #include <string>
@@ -35,6 +32,10 @@ struct StyledParagraph {
 };
 
 // The paragraphs of an RTF document, each run in one style; adjacent runs of one style are merged.
+// The subset: paragraphs (\par, \line, \page), bold (\b, \b0), italic (\i, \i0), sizes (\fsN),
+// \plain, tabs, table cells and rows as text (cells joined by " | ", a row per line), escaped and
+// hex characters (\'hh, \{ \} \\), and \uN as its Latin-1 character or else its fallback. Every
+// font is drawn as Courier; colours, pictures, headers and other destinations are left out.
 std::vector<StyledParagraph> ParseRtf(std::string_view rtf);
 
 // The text alone: paragraphs ended by LF, a page break as FF.
