@@ -16,12 +16,12 @@ namespace tqv::faxd {
 
 // What the record says about a job's pages; paths are the native paths of the files.
 struct JobDocuments {
-  std::string coverPage;
-  std::string templateFile;
-  std::string messageText;
-  std::vector<std::string> files;
-  std::string faxHeader;
-  CoverFields coverFields;  // without <PAGES>, which is counted here
+  std::string coverPage{};
+  std::string templateFile{};
+  std::string messageText{};
+  std::vector<std::string> files{};
+  std::string faxHeader{};
+  CoverFields coverFields{};  // without <PAGES>, which is counted here
   bool textFileJob = false;
 };
 
