@@ -7,6 +7,7 @@
 #include <ctime>
 
 #include "faxd/document_renderer.h"
+#include "faxd/ghostscript_renderer.h"
 #include "faxd/header_line.h"
 #include "faxd/text_page.h"
 #include "faxd/tiff_document.h"
@@ -63,6 +64,43 @@ TEST_F(Rendering, TextPagesFollowTheLayout) {
     for (int x : {0, 50, kFaxWidth - 50, kFaxWidth - 1})
       marginInk += pages[0].Black(x, y);
   EXPECT_EQ(marginInk, 0u);
+}
+
+// Text set from the glyph cache lands where Ghostscript would draw the same layout.
+TEST_F(Rendering, TextSetFromGlyphsMatchesGhostscriptsDrawing) {
+  const std::string text =
+      "Price list\r\n\r\n6204 ball bearing\t4.10\r\n" + std::string(80, 'x') + "\fcaf\xE9";
+  for (Resolution resolution : {Resolution::Normal, Resolution::Fine}) {
+    std::vector<PageImage> set, drawn;
+    std::string error;
+    ASSERT_TRUE(RenderText(text, Context(resolution), set, error)) << error;
+    const std::string program = Write("text.ps", TextPostScript(LayOutText(text)));
+    ASSERT_TRUE(RenderWithGhostscript(program, Context(resolution), drawn, error, {kFaxWidth, 0, false}))
+        << error;
+    ASSERT_EQ(set.size(), 2u);
+    ASSERT_EQ(drawn.size(), 2u);
+    for (std::size_t i = 0; i < 2; ++i) {
+      ASSERT_EQ(set[i].Height(), drawn[i].Height());
+      // The same ink, give or take a pixel of rounding in each glyph's place: every black pixel of
+      // one has a black pixel of the other at most one pixel away.
+      for (const auto &[one, other] : {std::pair(&set[i], &drawn[i]), std::pair(&drawn[i], &set[i])}) {
+        std::size_t stray = 0;
+        for (int y = 0; y < one->Height(); ++y)
+          for (int x = 0; x < kFaxWidth; ++x) {
+            if (!one->Black(x, y)) continue;
+            bool near = false;
+            for (int dy = -1; dy <= 1 && !near; ++dy)
+              for (int dx = -1; dx <= 1 && !near; ++dx) {
+                const int nx = x + dx, ny = y + dy;
+                near = nx >= 0 && ny >= 0 && nx < kFaxWidth && ny < other->Height() && other->Black(nx, ny);
+              }
+            stray += !near;
+          }
+        EXPECT_LT(stray, one->CountBlack() / 20) << "page " << i + 1;
+      }
+      EXPECT_GT(set[i].CountBlack(), 0u);
+    }
+  }
 }
 
 TEST_F(Rendering, TiffDocumentsAreScaledToTheFaxWidth) {

@@ -1,13 +1,10 @@
-// Fixed-width text pages. The layout is pure; the drawing writes a PostScript program into the
-// scratch directory and hands it to Ghostscript, whose failure is the only one.
+// Fixed-width text pages. The layout is pure; the pages are set from the cached Courier glyphs,
+// whose first drawing by Ghostscript is the only thing that can fail.
 #include "faxd/text_page.h"
 
-#include <atomic>
-#include <filesystem>
-#include <fstream>
-#include <system_error>
+#include <cmath>
 
-#include "faxd/ghostscript_renderer.h"
+#include "faxd/courier_glyphs.h"
 
 namespace tqv::faxd {
 
@@ -114,21 +111,23 @@ std::string TextPostScript(const std::vector<TextPage> &pages, const TextLayout 
 
 bool RenderText(std::string_view text, const RenderContext &context, std::vector<PageImage> &pages,
                 std::string &error) {
-  namespace fs = std::filesystem;
-  static std::atomic<int> runs = 0;
-  const fs::path program = fs::path(context.scratchDir) / ("text-" + std::to_string(++runs) + ".ps");
-  {
-    std::ofstream out(program, std::ios::binary);
-    out << TextPostScript(LayOutText(text));
-    if (!out.flush()) {
-      error = "cannot write " + program.string();
-      return false;
+  const CourierGlyphs *glyphs = CourierGlyphs::For(context, error);
+  if (!glyphs) return false;
+  const TextLayout layout;
+  // The places of the PostScript program: 12 points a line from the first baseline, the columns
+  // centred across the page.
+  const double rowsPerPoint = RowsPerInch(context.resolution) / 72.0;
+  const int left = (kFaxWidth - CourierGlyphs::kWidth * layout.columns) / 2;
+  pages.clear();
+  for (const TextPage &laidOut : LayOutText(text, layout)) {
+    PageImage page(kFaxWidth, A4Rows(context.resolution), context.resolution);
+    for (std::size_t line = 0; line < laidOut.size(); ++line) {
+      const double fromTop = kA4HeightPoints - layout.firstBaseline + 12.0 * static_cast<double>(line);
+      glyphs->Set(page, laidOut[line], left, static_cast<int>(std::lround(fromTop * rowsPerPoint)));
     }
+    pages.push_back(std::move(page));
   }
-  const bool rendered = RenderWithGhostscript(program.string(), context, pages, error, {kFaxWidth, 0, false});
-  std::error_code ignored;
-  fs::remove(program, ignored);
-  return rendered;
+  return true;
 }
 
 }  // namespace tqv::faxd

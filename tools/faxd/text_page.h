@@ -1,5 +1,5 @@
-// Plain text as fax pages: a fixed-width layout (80 columns, 60 lines, Courier) drawn by
-// Ghostscript. Layout cannot fail; drawing fails as Ghostscript does.
+// Plain text as fax pages: a fixed-width layout (80 columns, 60 lines, Courier 10 points). Layout
+// cannot fail; drawing fails only when the Courier glyphs cannot be drawn.
 #pragma once
 
 #include <string>
@@ -11,12 +11,14 @@
 
 namespace tqv::faxd {
 
+inline constexpr double kA4HeightPoints = 841.89;
+
 struct TextLayout {
   int columns = 80;
   int linesPerPage = 60;
   // Points from the page's foot to the first line's baseline: an A4 page less a top margin that
   // leaves room for the header line.
-  double firstBaseline = 841.89 - 60;
+  double firstBaseline = kA4HeightPoints - 60;
 };
 
 using TextPage = std::vector<std::string>;
@@ -30,7 +32,7 @@ std::vector<TextPage> LayOutText(std::string_view text, const TextLayout &layout
 // from the Latin-1 set.
 std::string TextPostScript(const std::vector<TextPage> &pages, const TextLayout &layout = {});
 
-// Lays out and draws `text`.
+// Lays out and sets `text`; the same pages as Ghostscript drawing TextPostScript's program.
 bool RenderText(std::string_view text, const RenderContext &context, std::vector<PageImage> &pages,
                 std::string &error);
 
