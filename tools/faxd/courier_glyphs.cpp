@@ -54,24 +54,47 @@ const CourierGlyphs *CourierGlyphs::For(const RenderContext &context, std::strin
     return nullptr;
   }
   auto &slot = cache[context.resolution];
-  slot.reset(new CourierGlyphs(std::move(rendered[0]), std::move(rendered[1])));
+  slot.reset(new CourierGlyphs(rendered[0], rendered[1]));
   return slot.get();
 }
 
-void CourierGlyphs::Set(PageImage &page, std::string_view text, int left, int baseline) const {
-  const int rows = ascii_.Height();
-  const int top = baseline - BaselineRow(ascii_.GetResolution());
-  for (std::size_t column = 0; column < text.size(); ++column) {
-    const auto c = static_cast<unsigned char>(text[column]);
-    const PageImage *glyphs = c >= 32 && c <= 126 ? &ascii_ : c >= 160 ? &latin_ : nullptr;
+CourierGlyphs::CourierGlyphs(const PageImage &ascii, const PageImage &latin)
+    : resolution_(ascii.GetResolution()),
+      rows_(ascii.Height()),
+      bits_(256 * static_cast<std::size_t>(ascii.Height()), 0) {
+  for (int c = 32; c < 256; ++c) {
+    const PageImage *glyphs = c <= 126 ? &ascii : c >= 160 ? &latin : nullptr;
     if (!glyphs) continue;
     const int from = kGlyphLeft + kWidth * (c >= 160 ? c - 160 : c - 32);
-    const int to = left + kWidth * static_cast<int>(column);
-    for (int y = 0; y < rows; ++y) {
-      if (top + y < 0 || top + y >= page.Height()) continue;
+    for (int y = 0; y < rows_; ++y) {
+      std::uint32_t row = 0;
       for (int x = 0; x < kWidth; ++x)
-        if (to + x >= 0 && to + x < page.Width() && glyphs->Black(from + x, y))
-          page.SetBlack(to + x, top + y, true);
+        if (glyphs->Black(from + x, y)) row |= 0x80000000u >> x;
+      bits_[static_cast<std::size_t>(c) * static_cast<std::size_t>(rows_) + static_cast<std::size_t>(y)] =
+          row;
+    }
+  }
+}
+
+void CourierGlyphs::Set(PageImage &page, std::string_view text, int left, int baseline) const {
+  const int top = baseline - BaselineRow(resolution_);
+  const auto rowBytes = static_cast<int>(page.RowBytes());
+  for (int y = 0; y < rows_; ++y) {
+    if (top + y < 0 || top + y >= page.Height()) continue;
+    std::uint8_t *row = page.Row(top + y);
+    for (std::size_t column = 0; column < text.size(); ++column) {
+      const auto c = static_cast<unsigned char>(text[column]);
+      const std::uint32_t bits =
+          bits_[static_cast<std::size_t>(c) * static_cast<std::size_t>(rows_) + static_cast<std::size_t>(y)];
+      const int to = left + kWidth * static_cast<int>(column);
+      if (bits == 0 || to < 0) continue;
+      // 17 bits shifted to their place span at most four bytes.
+      const std::uint64_t placed = static_cast<std::uint64_t>(bits) << 8 >> (to & 7);
+      for (int k = 0; k < 5; ++k) {
+        const int byte = (to >> 3) + k;
+        if (byte >= rowBytes) break;
+        row[byte] |= static_cast<std::uint8_t>(placed >> (32 - 8 * k));
+      }
     }
   }
 }

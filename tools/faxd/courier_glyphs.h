@@ -2,8 +2,10 @@
 // resolution and process. Only that first drawing can fail; setting text cannot.
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "faxd/page_image.h"
 #include "faxd/render_context.h"
@@ -30,10 +32,13 @@ class CourierGlyphs {
   void Set(PageImage &page, std::string_view text, int left, int baseline) const;
 
  private:
-  CourierGlyphs(PageImage ascii, PageImage latin) : ascii_(std::move(ascii)), latin_(std::move(latin)) {}
+  CourierGlyphs(const PageImage &ascii, const PageImage &latin);
 
-  PageImage ascii_;  // 32 to 126
-  PageImage latin_;  // 160 to 255
+  Resolution resolution_;
+  int rows_;
+  // Row y of character c as 17 bits from bit 31 down, 0 for a character without a glyph: text
+  // is set a row of a glyph at a time, not a pixel.
+  std::vector<std::uint32_t> bits_;  // 256 * rows_
 };
 
 }  // namespace tqv::faxd
