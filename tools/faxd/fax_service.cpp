@@ -19,8 +19,8 @@
 #include "faxd/tiff_class_f.h"
 #include "platform/clock.h"
 #include "platform/posix/native_path.h"
-#include "tqv/host_records.h"
-#include "tqv/received_fax.h"
+#include "tqv/host/host_records.h"
+#include "tqv/host/received_fax.h"
 
 namespace tqv::faxd {
 

@@ -14,7 +14,7 @@
 #include "faxd/fax_line.h"
 #include "faxd/ocr.h"
 #include "faxd/page_image.h"
-#include "tqv/host_library.h"
+#include "tqv/host/host_library.h"
 
 namespace tqv::faxd {
 

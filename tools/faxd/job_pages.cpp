@@ -14,7 +14,7 @@
 #include "faxd/styled_page.h"
 #include "faxd/text_page.h"
 #include "platform/posix/native_path.h"
-#include "tqv/host_records.h"
+#include "tqv/host/host_records.h"
 
 namespace tqv::faxd {
 

@@ -15,7 +15,7 @@
 #include "faxd/fax_service.h"
 #include "faxd/loopback_line.h"
 #include "faxd/png_pages.h"
-#include "tqv/host_library.h"
+#include "tqv/host/host_library.h"
 
 namespace {
 
