@@ -9,6 +9,7 @@
 #include <system_error>
 
 #include "faxd/ghostscript_renderer.h"
+#include "faxd/text_page.h"
 
 namespace tqv::faxd {
 
@@ -30,23 +31,6 @@ double Advance(const TextStyle &style) {
 
 const char *FontName(const TextStyle &style) {
   return style.bold ? (style.italic ? "/CBI" : "/CB") : (style.italic ? "/CI" : "/CR");
-}
-
-std::string PostScriptString(const std::string &text) {
-  std::string quoted = "(";
-  for (unsigned char c : text) {
-    if (c == '(' || c == ')' || c == '\\') {
-      quoted += '\\';
-      quoted += static_cast<char>(c);
-    } else if (c < 0x20 || c >= 0x7F) {
-      const char octal[] = {'\\', static_cast<char>('0' + (c >> 6)), static_cast<char>('0' + ((c >> 3) & 7)),
-                            static_cast<char>('0' + (c & 7)), 0};
-      quoted += octal;
-    } else {
-      quoted += static_cast<char>(c);
-    }
-  }
-  return quoted + ")";
 }
 
 // Sets words on lines and lines on pages.

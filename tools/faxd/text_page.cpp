@@ -33,6 +33,8 @@ void WrapLine(std::string line, int columns, TextPage &into, std::vector<TextPag
   add(std::move(line));
 }
 
+}  // namespace
+
 std::string PostScriptString(const std::string &text) {
   std::string quoted = "(";
   for (unsigned char c : text) {
@@ -49,8 +51,6 @@ std::string PostScriptString(const std::string &text) {
   }
   return quoted + ")";
 }
-
-}  // namespace
 
 std::vector<TextPage> LayOutText(std::string_view text, const TextLayout &layout) {
   std::vector<TextPage> pages;

@@ -28,6 +28,10 @@ using TextPage = std::vector<std::string>;
 // other control characters become spaces. At least one page, possibly empty; no empty page at the end.
 std::vector<TextPage> LayOutText(std::string_view text, const TextLayout &layout = {});
 
+// `text` as a PostScript string literal: parentheses and backslashes escaped, bytes outside
+// printable ASCII as octal escapes, so no byte of a document can end the string early.
+std::string PostScriptString(const std::string &text);
+
 // A PostScript program that draws the pages on A4 fax pages; Windows ANSI characters are drawn
 // from the Latin-1 set.
 std::string TextPostScript(const std::vector<TextPage> &pages, const TextLayout &layout = {});
