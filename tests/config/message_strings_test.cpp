@@ -70,25 +70,15 @@ TEST_F(MessageStrings, MissingTextsFallBackToEnglishThenToTheMarker) {
   EXPECT_EQ(LookupString(1, 255), "Neu bei Notes");
 }
 
-TEST_F(MessageStrings, BothPlaceholderSpellingsTakeTheMailSystemName) {
-  const std::string file = WriteStrings(
-      "[English]\nT1=Ask your <MAILSYSTEM> or <mailsystem> administrator\n"
-      "T2=<MailSystem> and <MAILSYSTEM\nT3=<MAILSYSTEM><mailsystem>\n");
-  ASSERT_EQ(InitStringsByCode("Exchange", file, "EN"), 0);
-  EXPECT_EQ(LookupString(1, 255), "Ask your Exchange or Exchange administrator");
-  EXPECT_EQ(LookupString(2, 255), "<MailSystem> and <MAILSYSTEM");
-  EXPECT_EQ(LookupString(3, 255), "ExchangeExchange");
-  // The inserted name is not searched again.
-  ASSERT_EQ(InitStringsByCode("<mailsystem>", file, "EN"), 0);
-  EXPECT_EQ(LookupString(3, 255), "<mailsystem><mailsystem>");
-}
-
-TEST_F(MessageStrings, TextsAreCutToTheCallersBufferAnd510BeforeTheNameGoesIn) {
+// The placeholder is written <MAILSYSTEM> or <mailsystem>, never in another case; the read is cut to
+// the caller's buffer, and to 510 before the name goes in.
+TEST_F(MessageStrings, PlaceholderSpellingsAndCutsToTheCallersBufferAnd510BeforeTheNameGoesIn) {
   const std::string longText(600, 'x');
   const std::string lateName(505, 'y');
   const std::string file =
       WriteStrings("[English]\nT1=Fax delivered\nT2=" + longText + "\nT3=<MAILSYSTEM>!\nT4=<MAILSYSTEM>" +
-                   longText + "\nT5=" + lateName + "<mailsystem>\n");
+                   longText + "\nT5=" + lateName + "<mailsystem>\nT6=<MailSystem> or <mailsystem>\n" +
+                   "T7=<MAILSYSTEM><mailsystem> and <MAILSYSTEM\n");
   ASSERT_EQ(InitStringsByCode("Microsoft Exchange", file, "EN"), 0);
   const std::tuple<int, std::size_t, std::string> cases[] = {
       {1, 5, "Fax "},
@@ -98,6 +88,8 @@ TEST_F(MessageStrings, TextsAreCutToTheCallersBufferAnd510BeforeTheNameGoesIn) {
       {3, 10, "<MAILSYST"},  // the read is cut first, so no placeholder is left
       {4, 2048, "Microsoft Exchange" + std::string(510 - 12, 'x')},
       {5, 2048, lateName + "<mail"},  // only part of the placeholder is left, which stays
+      {6, 255, "<MailSystem> or Microsoft Exchange"},
+      {7, 255, "Microsoft ExchangeMicrosoft Exchange and <MAILSYSTEM"},
       // Too small for the whole marker: the cut marker is taken as the text, without fallback.
       {4711, 23, "UNKNOWN RESOURCE STRIN"},
   };
@@ -106,6 +98,9 @@ TEST_F(MessageStrings, TextsAreCutToTheCallersBufferAnd510BeforeTheNameGoesIn) {
   // The name keeps 254 characters.
   ASSERT_EQ(InitStringsByCode(std::string(300, 'n'), file, "EN"), 0);
   EXPECT_EQ(LookupString(3, 2048), std::string(254, 'n') + "!");
+  // The inserted name is not searched again.
+  ASSERT_EQ(InitStringsByCode("<mailsystem>", file, "EN"), 0);
+  EXPECT_EQ(LookupString(7, 255), "<mailsystem><mailsystem> and <MAILSYSTEM");
 }
 
 constexpr const char *kShippedFile = TQV_DATA_DIR "/tqstring.ini";

@@ -33,16 +33,22 @@ class LogMessageTest : public testing::TempDirTest {
   testing::UtcTimeZone utc_;
 };
 
+// The event text is cut to what an event holds; the log line keeps the whole text.
 TEST_F(LogMessageTest, CreatesTheLogAndAppendsOneDatedCrLfLinePerEntry) {
   LogMessage(nullptr, kServiceEventSource, platform::kEventError, "Cannot open %s (%d)", "X.TMP", 5);
   platform::SetCurrentTimeSource([] { return kPinnedTime + 86400 * 300 + 3600 * 5; });
   LogMessage(nullptr, kServiceEventSource, platform::kEventWarning, "ends in a newline\n");
+  const std::string longText(600, 'a');
+  LogMessage(nullptr, kAssertionEventSource, platform::kEventError, "%s", longText.c_str());
 
   EXPECT_EQ(ReadFile(LogPath()), std::string(kPinnedPrefix) +
                                      "Cannot open X.TMP (5)\r\n"
-                                     "01/01/2025  14:05:02  ends in a newline\r\n\r\n");
+                                     "01/01/2025  14:05:02  ends in a newline\r\n\r\n"
+                                     "01/01/2025  14:05:02  " +
+                                     longText + "\r\n");
   EXPECT_EQ(Events(), (std::vector<std::string>{"1\tCorvanta FAX Service\tCannot open X.TMP (5)",
-                                                "2\tCorvanta FAX Service\tends in a newline", ""}));
+                                                "2\tCorvanta FAX Service\tends in a newline", "",
+                                                "1\tCORVANTA\t" + std::string(kMaxEventMessage, 'a')}));
 }
 
 TEST_F(LogMessageTest, OnlyAFailedCheckLogsOneLineAndBeepsFourTimes) {
@@ -91,13 +97,6 @@ TEST_F(LogMessageTest, EventsDoNotDependOnTheLogFile) {
   EXPECT_FALSE(Exists(PathOf("nowhere")));
   EXPECT_EQ(Events(), (std::vector<std::string>{"1\tCorvanta FAX Service\twhile held",
                                                 "1\tCorvanta FAX Service\tno directory"}));
-}
-
-TEST_F(LogMessageTest, EventMessageIsCutButTheLogLineIsNot) {
-  const std::string longText(600, 'a');
-  LogMessage(nullptr, kAssertionEventSource, platform::kEventError, "%s", longText.c_str());
-  EXPECT_EQ(ReadFile(LogPath()), std::string(kPinnedPrefix) + longText + "\r\n");
-  EXPECT_EQ(Events(), std::vector<std::string>{"1\tCORVANTA\t" + std::string(kMaxEventMessage, 'a')});
 }
 
 }  // namespace
