@@ -1,6 +1,5 @@
-// The traffic generator's promises: a file is visible only while its writer holds it, and the
-// account catches outputs lost, doubled, cut or empty. That each item yields what its expectation
-// says is what every run of the concurrency test checks, over hundreds of random items.
+// The traffic generator's promises: each item is what its expectation says, a file is visible
+// only while its writer holds it, and the account catches outputs lost, doubled, cut or empty.
 #ifdef TQV_MAIL_BRIDGE
 
 #include <gtest/gtest.h>
@@ -29,10 +28,18 @@ class Traffic : public testing::TempDirTest {
     ASSERT_TRUE(SetUpTrafficInstallation(paths_, "", error)) << error;
   }
 
-  TrafficItem Item(TrafficKind kind, int sequence) {
-    std::mt19937 random(1);
+  TrafficItem Item(TrafficKind kind, int sequence, unsigned seed = 1) {
+    std::mt19937 random(seed);
     return MakeTrafficItem(kind, TrafficId(kind, 0, sequence),
                            {paths_.gatewayOut, paths_.textFiles, paths_.voicemail, paths_.receive}, random);
+  }
+
+  // The item's message file read back with the library's reader; nullopt when it is refused.
+  std::optional<GatewayMail> ReadBack(const TrafficItem &item) {
+    WriteFile(PathOf("message"), item.files.back().bytes);
+    bool busy = false;
+    std::string error;
+    return ReadGatewayFile(PathOf("message"), Dir(), busy, error);
   }
 
   void Expect(const TrafficItem &item) {
@@ -47,6 +54,45 @@ class Traffic : public testing::TempDirTest {
 
   TrafficPaths paths_{""};  // set once the test has its directory
 };
+
+// The concurrency test holds the library to these expectations; here they are held to the message
+// itself, so a generator fault shows as one, not as a library fault.
+TEST_F(Traffic, MessagesAskForTheJobsTheirRecipientsAndOptionLinesMake) {
+  for (int sequence = 0; sequence < 40; ++sequence) {
+    const TrafficItem item = Item(TrafficKind::Message, sequence, static_cast<unsigned>(sequence));
+    const std::optional<GatewayMail> mail = ReadBack(item);
+    ASSERT_TRUE(mail.has_value());
+    const int optionRecipients = mail->body.rfind("::", 0) == 0 ? 1 : 0;
+    EXPECT_EQ(item.expected.jobs, static_cast<int>(mail->recipients.size()) + optionRecipients);
+    int jfax = 0;
+    for (const std::string &number : mail->recipients)
+      jfax += number.rfind(kJfaxPrefix, 0) == 0 ? 1 : 0;
+    EXPECT_EQ(item.expected.outputs.count("jfax") ? item.expected.outputs.at("jfax") : 0, jfax);
+    const std::optional<CheckedTextFound> text = FindCheckedText(mail->body);
+    ASSERT_TRUE(text.has_value());
+    EXPECT_TRUE(text->intact);
+    EXPECT_EQ(item.expected.id, text->id);
+    EXPECT_EQ(mail->attachments.size(), text->documents.size());
+    EXPECT_EQ(item.expected, *ParseManifestLine(ManifestLine(item.expected)));
+  }
+}
+
+TEST_F(Traffic, MalformedMessagesThatAreDroppedCannotBeRead) {
+  int dropped = 0, answered = 0;
+  for (int sequence = 0; sequence < 40; ++sequence) {
+    const TrafficItem item = Item(TrafficKind::BadMessage, sequence, static_cast<unsigned>(sequence));
+    EXPECT_EQ(0, item.expected.jobs);
+    if (item.expected.outputs.empty()) {
+      ++dropped;
+      EXPECT_FALSE(ReadBack(item).has_value()) << "a message the library must drop reads whole";
+    } else {
+      ++answered;
+      EXPECT_TRUE(ReadBack(item).has_value());
+    }
+  }
+  EXPECT_GT(dropped, 0);
+  EXPECT_GT(answered, 0);
+}
 
 TEST_F(Traffic, CheckLineSeesACutAByteChangedAndAnotherItemsText) {
   const std::string text = CheckedText("M0000001", "line one\r\nline two\r\n");
