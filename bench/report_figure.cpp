@@ -159,6 +159,7 @@ Round WriteReports(const RoundContext &context) {
   Round round;
   round.ours = TimeInLibrary(context.library, sandbox, [&](const tool::EntryPoints &library) {
     std::vector<JobRecord> jobs = FinishedJobs(library, documents);
+    sandbox.LetSettingsDirectoriesAge();
     return TimeOf([&] {
       for (JobRecord &job : jobs)
         library.faxSent(job.View().Bytes());
