@@ -25,7 +25,7 @@ std::optional<std::string> File::ReadAll(std::size_t limit) {
   return result;
 }
 
-File::File(File &&other) noexcept : handle_(other.handle_) {
+File::File(File &&other) noexcept : handle_(other.handle_), created_(other.created_) {
   other.handle_ = kNoHandle;
 }
 
@@ -33,6 +33,7 @@ File &File::operator=(File &&other) noexcept {
   if (this != &other) {
     Close();
     handle_ = other.handle_;
+    created_ = other.created_;
     other.handle_ = kNoHandle;
   }
   return *this;

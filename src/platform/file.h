@@ -73,6 +73,10 @@ class File {
   // The operating system's handle, for the backend's own bulk operations.
   std::intptr_t NativeHandle() const { return handle_; }
 
+  // Whether this open made the file, so a caller can put a header into a new file without a look
+  // before the open that another process could overtake.
+  bool Created() const { return created_; }
+
  private:
   // -1: no descriptor on POSIX, INVALID_HANDLE_VALUE on Windows.
   static constexpr std::intptr_t kNoHandle = -1;
@@ -82,6 +86,7 @@ class File {
   void Close() noexcept;
 
   std::intptr_t handle_;
+  bool created_ = false;
 };
 
 }  // namespace tqv::platform
