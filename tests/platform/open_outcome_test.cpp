@@ -1,0 +1,112 @@
+// What an open reports about the file it reached, and what a removal does with each kind of name:
+// callers act on both without looking at the file first.
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "platform/file.h"
+#include "platform/file_system.h"
+#include "platform/special_files.h"
+#include "support/platform_backend.h"
+#include "support/temp_dir.h"
+
+namespace tqv::platform {
+namespace {
+
+class OpenOutcome : public tqv::testing::TempDirTest {};
+
+TEST_F(OpenOutcome, AHandleKnowsWhetherItsOpenMadeTheFile) {
+  struct Case {
+    FileCreation creation;
+    bool existed;
+    bool opens;
+    bool created;
+    std::string left;  // the file's bytes after the open
+  };
+  const std::vector<Case> cases = {
+      {FileCreation::OpenExisting, true, true, false, "kept"},
+      {FileCreation::OpenExisting, false, false, false, ""},
+      {FileCreation::CreateNew, true, false, false, "kept"},
+      {FileCreation::CreateNew, false, true, true, ""},
+      {FileCreation::CreateAlways, true, true, false, ""},
+      {FileCreation::CreateAlways, false, true, true, ""},
+      {FileCreation::OpenAlways, true, true, false, "kept"},
+      {FileCreation::OpenAlways, false, true, true, ""},
+  };
+  int index = 0;
+  for (const Case &c : cases) {
+    const std::string path = PathOf("case" + std::to_string(index++) + ".txt");
+    if (c.existed) WriteFile(path, "kept");
+    std::optional<File> file = File::Open(path, FileAccess::Write, FileSharing::None, c.creation);
+    SCOPED_TRACE(path);
+    ASSERT_EQ(file.has_value(), c.opens);
+    if (file) {
+      // The answer travels with the handle.
+      const File moved = std::move(*file);
+      EXPECT_EQ(moved.Created(), c.created);
+    }
+    file.reset();
+    EXPECT_EQ(Exists(path), c.existed || c.opens);
+    if (Exists(path)) {
+      EXPECT_EQ(ReadFile(path), c.left);
+    }
+  }
+  // Appending creates once, and only the creating open says so.
+  EXPECT_TRUE(File::OpenForAppend(PathOf("log.txt"))->Created());
+  EXPECT_FALSE(File::OpenForAppend(PathOf("log.txt"))->Created());
+  WriteFile(PathOf("empty.txt"), "");
+  EXPECT_FALSE(File::OpenForAppend(PathOf("empty.txt"))->Created()) << "empty is not new";
+}
+
+// Opens begin non-blocking (a FIFO must not hold them); a plain file must still take and give
+// whole buffers in one call each, as callers count on.
+TEST_F(OpenOutcome, PlainFilesReadAndWriteWholeBuffers) {
+  const std::string path = PathOf("large.bin");
+  std::string bytes(8 << 20, '\0');
+  for (std::size_t i = 0; i < bytes.size(); ++i)
+    bytes[i] = static_cast<char>(i * 131 + i / 4099);
+  std::optional<File> out = File::CreateExclusive(path);
+  ASSERT_TRUE(out);
+  ASSERT_TRUE(out->Write(bytes));
+  out.reset();
+  std::optional<File> in = File::OpenShared(path);
+  ASSERT_TRUE(in);
+  std::string back(bytes.size(), '\0');
+  EXPECT_EQ(in->Read(back.data(), back.size()), bytes.size());
+  EXPECT_EQ(back, bytes);
+  EXPECT_EQ(in->ReadAll(), "");
+}
+
+TEST_F(OpenOutcome, RemovalTakesPlainFilesAndLinksOnly) {
+  TQV_SKIP_ON_WIN32("links and FIFOs are POSIX's");
+  WriteFile(PathOf("plain.txt"), "x");
+  WriteFile(PathOf("target.txt"), "target");
+  std::filesystem::create_symlink(PathOf("target.txt"), PathOf("link.txt"));
+  std::filesystem::create_symlink(PathOf("gone.txt"), PathOf("dangling.txt"));
+  std::filesystem::create_directory(PathOf("directory"));
+  ASSERT_TRUE(tqv::testing::MakeFifo(PathOf("fifo")));
+  WriteFile(PathOf("held.txt"), "held");
+  const tqv::testing::FileHeldByAnotherProcess holder(PathOf("held.txt"), FileSharing::ReadWrite);
+  ASSERT_TRUE(holder.Holds());
+
+  struct Case {
+    std::string name;
+    bool removed;
+  };
+  for (const Case &c : std::vector<Case>{{"plain.txt", true},
+                                         {"link.txt", true},
+                                         {"dangling.txt", true},
+                                         {"fifo", true},
+                                         {"missing.txt", false},
+                                         {"directory", false},
+                                         {"held.txt", false}}) {
+    const std::string path = PathOf(c.name);
+    const bool there = std::filesystem::exists(std::filesystem::symlink_status(path));
+    EXPECT_EQ(RemoveFile(path), c.removed) << c.name;
+    EXPECT_EQ(std::filesystem::exists(std::filesystem::symlink_status(path)), there && !c.removed) << c.name;
+  }
+  EXPECT_EQ(ReadFile(PathOf("target.txt")), "target") << "a link goes, never what it leads to";
+}
+
+}  // namespace
+}  // namespace tqv::platform
