@@ -43,10 +43,12 @@ std::string_view LastComponent(std::string_view path) {
 }
 
 // True when some other open handle holds the file (with or without sharing), as Windows
-// refuses to delete or overwrite such a file. Only a plain file can be held: a link, FIFO or
-// device is not opened through, so probing one neither blocks nor touches what it leads to.
-bool HeldByAnother(const std::string &nativePath) {
+// refuses to delete or overwrite such a file; `missing` tells that nothing has the name. Only a plain file
+// can be held: a link, FIFO or device is not opened through, so probing one neither blocks nor touches what
+// it leads to.
+bool HeldByAnother(const std::string &nativePath, bool *missing = nullptr) {
   const int fd = ::open(nativePath.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOFOLLOW | O_NOCTTY);
+  if (missing) *missing = fd < 0 && errno == ENOENT;
   if (fd < 0) return false;
   struct stat info {};
   const bool held = ::fstat(fd, &info) == 0 && S_ISREG(info.st_mode) && ::flock(fd, LOCK_EX | LOCK_NB) != 0 &&
@@ -199,11 +201,12 @@ bool MoveFileTo(std::string_view source, std::string_view target) {
 }
 
 // A link goes itself, never what it leads to, so a planted one can be cleared out of the way. No
-// look first: the probe for another holder fails on a missing name, and unlink refuses a directory.
+// look first: the probe for another holder tells a missing name, and unlink refuses a directory.
 bool RemoveFile(std::string_view path) {
   if (FileOperationMustFail()) return false;
   const std::string nativePath = ToNativePath(path);
-  if (nativePath.empty() || HeldByAnother(nativePath)) return false;
+  bool missing = false;
+  if (nativePath.empty() || HeldByAnother(nativePath, &missing) || missing) return false;
   return ::unlink(nativePath.c_str()) == 0;
 }
 
