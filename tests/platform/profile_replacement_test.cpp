@@ -1,6 +1,6 @@
-// Settings files as the POSIX backend replaces and finds them: the replaced file's mode whatever
-// the umask, temporary names of a forked child, another spelling never taken over a name that is
-// there, and a call's reads under either form of a path seeing its own writes.
+// Settings files as the POSIX backend replaces and finds them: mode kept under any umask, no
+// rewrite that changes nothing, a forked child's own temporary names, no other spelling for a name
+// that is there, and a call's reads under either form of a path seeing its own writes.
 #include <sys/stat.h>
 
 #include <filesystem>
@@ -53,6 +53,26 @@ TEST_F(ProfileReplacement, AReplacedFileKeepsItsModeWhateverTheUmask) {
   struct stat info {};
   ASSERT_EQ(::stat(PathOf("new.ini").c_str(), &info), 0);
   EXPECT_EQ(info.st_mode & 0777, 0640u);
+}
+
+TEST_F(ProfileReplacement, AWriteThatChangesNoByteLeavesTheFileAlone) {
+  TQV_SKIP_ON_WIN32("the system writes its own profile files");
+  const std::string path = PathOf("same.ini");
+  const auto inode = [&] {
+    struct stat info {};
+    EXPECT_EQ(::stat(path.c_str(), &info), 0);
+    return info.st_ino;
+  };
+  WriteFile(path, "[s]\r\nk=1\r\n");
+  const auto first = inode();
+  ASSERT_TRUE(ProfileWriteString("s", "k", "1", path));
+  EXPECT_EQ(inode(), first);
+  // The same value in a file with other line ends is a change of bytes: the file is rewritten.
+  WriteFile(path, "[s]\nk=1\n");
+  ASSERT_TRUE(ProfileWriteString("s", "k", "1", path));
+  EXPECT_EQ(ReadFile(path), "[s]\r\nk=1\r\n");
+  ASSERT_TRUE(ProfileWriteString("s", "k", "2", path));
+  EXPECT_EQ(Read("k", path), "2");
 }
 
 TEST_F(ProfileReplacement, AForkedChildNamesItsTemporaryFilesUnderItsOwnId) {

@@ -345,8 +345,16 @@ bool ProfileWriteString(std::string_view section, std::optional<std::string_view
   } else if (!document->SetValue(section, *key, *value)) {
     return false;
   }
-  std::optional<FileStamp> writtenStamp;
   std::string written = document->Serialize();
+  // A write that changes no byte (a value written back as read) leaves the file alone. It still
+  // counts as the file operation it stands for, so injected faults fail it as they would the write.
+  if (found == 0 && written == current) {
+    if (FileOperationMustFail()) return false;
+    Remember(cache, nativePath, StampFrom(info), std::move(document), std::move(written));
+    if (cache.scopeDepth > 0) cache.lookedAt[nativePath] = true;
+    return true;
+  }
+  std::optional<FileStamp> writtenStamp;
   if (!ReplaceFile(target.windowsPath, target.nativePath, written, mode, writtenStamp)) return false;
   if (writtenStamp) {
     Remember(cache, nativePath, *writtenStamp, std::move(document), std::move(written));
