@@ -48,6 +48,9 @@ class File {
   static std::optional<File> CreateExclusive(std::string_view path) {
     return Open(path, FileAccess::Write, FileSharing::None, FileCreation::CreateAlways);
   }
+  // As CreateExclusive, for a name just chosen to be free: made as new first, which spares the
+  // look for an existing file in the usual case; a plain file found there is emptied as before.
+  static std::optional<File> CreateExclusiveFresh(std::string_view path);
   // As the C runtime opens for appending: shared, created when missing, positioned at the end.
   static std::optional<File> OpenForAppend(std::string_view path);
 

@@ -58,6 +58,43 @@ TEST_F(OpenOutcome, AHandleKnowsWhetherItsOpenMadeTheFile) {
   EXPECT_FALSE(File::OpenForAppend(PathOf("empty.txt"))->Created()) << "empty is not new";
 }
 
+// A name just chosen is made as new; whatever turns out to be there is treated as CreateExclusive
+// treats it, and a copy that may not replace leaves nothing behind, not even its temporary file.
+TEST_F(OpenOutcome, AFreshNameIsMadeAndWhatIsThereAlreadyIsTreatedAsBefore) {
+  WriteFile(PathOf("plain.txt"), "old");
+  WriteFile(PathOf("held.txt"), "held");
+  std::filesystem::create_directory(PathOf("directory"));
+  const tqv::testing::FileHeldByAnotherProcess holder(PathOf("held.txt"), FileSharing::ReadWrite);
+  ASSERT_TRUE(holder.Holds());
+  struct Case {
+    std::string name;
+    bool opens;
+    bool created;
+  };
+  for (const Case &c : std::vector<Case>{{"new.txt", true, true},
+                                         {"plain.txt", true, false},
+                                         {"held.txt", false, false},
+                                         {"directory", false, false}}) {
+    const std::optional<File> file = File::CreateExclusiveFresh(PathOf(c.name));
+    ASSERT_EQ(file.has_value(), c.opens) << c.name;
+    if (file) {
+      EXPECT_EQ(file->Created(), c.created) << c.name;
+    }
+  }
+  EXPECT_EQ(ReadFile(PathOf("plain.txt")), "");
+  EXPECT_EQ(ReadFile(PathOf("held.txt")), "held");
+  EXPECT_FALSE(File::CreateExclusiveFresh(PathOf("no such directory/x.txt")));
+
+  WriteFile(PathOf("source.txt"), "source");
+  EXPECT_FALSE(CopyFileTo(PathOf("source.txt"), PathOf("held.txt"), true));
+  EXPECT_FALSE(CopyFileTo(PathOf("source.txt"), PathOf("directory"), true));
+  EXPECT_TRUE(CopyFileTo(PathOf("source.txt"), PathOf("copy.txt"), true));
+  EXPECT_FALSE(CopyFileTo(PathOf("source.txt"), PathOf("copy.txt"), true));
+  EXPECT_EQ(ReadFile(PathOf("held.txt")), "held");
+  EXPECT_EQ(FileNames(Dir()),
+            (std::vector<std::string>{"copy.txt", "held.txt", "new.txt", "plain.txt", "source.txt"}));
+}
+
 // Opens begin non-blocking (a FIFO must not hold them); a plain file must still take and give
 // whole buffers in one call each, as callers count on.
 TEST_F(OpenOutcome, PlainFilesReadAndWriteWholeBuffers) {

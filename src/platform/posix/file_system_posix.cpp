@@ -163,9 +163,10 @@ bool CopyFileTo(std::string_view source, std::string_view target, bool failIfExi
   if (!input) return false;
   // Only a plain file is replaced: a link planted at the target name is refused, not replaced,
   // so a caller that checks the name afterwards never reads through it.
+  // With failIfExists no look first: link() below refuses any name that is there.
   struct stat existing {};
-  const bool targetExists = ::lstat(nativeTarget.c_str(), &existing) == 0;
-  if (targetExists && (failIfExists || !S_ISREG(existing.st_mode) || HeldByAnother(nativeTarget)))
+  if (!failIfExists && ::lstat(nativeTarget.c_str(), &existing) == 0 &&
+      (!S_ISREG(existing.st_mode) || HeldByAnother(nativeTarget)))
     return false;
 
   // The copy is made under a temporary name and only then given the target name.
