@@ -95,25 +95,6 @@ TEST_F(OpenOutcome, AFreshNameIsMadeAndWhatIsThereAlreadyIsTreatedAsBefore) {
             (std::vector<std::string>{"copy.txt", "held.txt", "new.txt", "plain.txt", "source.txt"}));
 }
 
-// Opens begin non-blocking (a FIFO must not hold them); a plain file must still take and give
-// whole buffers in one call each, as callers count on.
-TEST_F(OpenOutcome, PlainFilesReadAndWriteWholeBuffers) {
-  const std::string path = PathOf("large.bin");
-  std::string bytes(8 << 20, '\0');
-  for (std::size_t i = 0; i < bytes.size(); ++i)
-    bytes[i] = static_cast<char>(i * 131 + i / 4099);
-  std::optional<File> out = File::CreateExclusive(path);
-  ASSERT_TRUE(out);
-  ASSERT_TRUE(out->Write(bytes));
-  out.reset();
-  std::optional<File> in = File::OpenShared(path);
-  ASSERT_TRUE(in);
-  std::string back(bytes.size(), '\0');
-  EXPECT_EQ(in->Read(back.data(), back.size()), bytes.size());
-  EXPECT_EQ(back, bytes);
-  EXPECT_EQ(in->ReadAll(), "");
-}
-
 TEST_F(OpenOutcome, RemovalTakesPlainFilesAndLinksOnly) {
   TQV_SKIP_ON_WIN32("links and FIFOs are POSIX's");
   WriteFile(PathOf("plain.txt"), "x");
