@@ -177,11 +177,11 @@ Round LargeDocument(const RoundContext &context) {
 std::vector<Figure> ConversionFigures() {
   return {
       {"P1", "S_Scan converting 200 messages, 5 recipients, 3 attachments of 200 KB",
-       "cp of the same bytes (1 + 5 copies)", 1.5, ConvertMessages},
+       "cp of the same bytes (1 + 5 copies)", 1.0, ConvertMessages},
       {"P2", "one message, 15 attachments: 1024 recipients against 128", "the same to 128 recipients", 9,
        ScaleRecipients},
       {"P6", "a 20 MB attachment read from a message, a 20 MB fax mailed back",
-       "platform copy of the same bytes (message to document, fax to message)", 1.2, LargeDocument},
+       "platform copy of the same bytes (message to document, fax to message)", 1.0, LargeDocument},
   };
 }
 

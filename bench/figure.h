@@ -12,8 +12,9 @@
 namespace tqv::bench {
 
 struct Round {
-  double ours = 0;      // seconds
-  double baseline = 0;  // seconds
+  double ours = 0;       // seconds
+  double baseline = 0;   // seconds
+  double reference = 0;  // seconds; a second baseline shown for comparison, without a goal
 };
 
 struct RoundContext {
@@ -28,6 +29,7 @@ struct Figure {
   double goal = 0;       // the largest ratio ours / baseline that holds
   // One round: sets up, measures both sides, checks the library's results, removes its files.
   std::function<Round(const RoundContext &)> run;
+  std::string reference = {};  // what Round::reference measures; empty when there is none
 };
 
 std::vector<Figure> ConversionFigures();

@@ -82,12 +82,13 @@ int main(int argc, char **argv) {
               "goal", "holds");
   bool allHold = true;
   for (const Figure &figure : figures) {
-    std::vector<double> ours, baseline;
+    std::vector<double> ours, baseline, reference;
     for (int round = 0; round < rounds; ++round) {
       std::fprintf(stderr, "\r%s round %d of %d ...", figure.id.c_str(), round + 1, rounds);
       const Round result = figure.run({library, fs::path(root) / (figure.id + "-" + std::to_string(round))});
       ours.push_back(result.ours);
       baseline.push_back(result.baseline);
+      reference.push_back(result.reference);
     }
     std::fprintf(stderr, "\r%40s\r", "");
     const double ratio = Median(ours) / Median(baseline);
@@ -97,6 +98,9 @@ int main(int argc, char **argv) {
                 Duration(Median(ours)).c_str(), Duration(Median(baseline)).c_str(), ratio, figure.goal,
                 holds ? "yes" : "NO");
     std::printf("%-4s   (%s)\n", "", figure.baseline.c_str());
+    if (!figure.reference.empty())
+      std::printf("%-4s   for reference: %s, %s, ratio %.2f\n", "", figure.reference.c_str(),
+                  Duration(Median(reference)).c_str(), Median(ours) / Median(reference));
     std::fflush(stdout);
   }
   std::printf("medians of %d rounds; ratio = ours / baseline; %s\n", rounds,

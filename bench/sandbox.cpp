@@ -1,5 +1,11 @@
 #include "sandbox.h"
 
+#include <sys/stat.h>
+
+#include <chrono>
+#include <ctime>
+#include <thread>
+
 #include "bench_checks.h"
 
 namespace tqv::bench {
@@ -27,6 +33,15 @@ fs::path Sandbox::Scratch(std::string_view name) const {
   const fs::path directory = root_ / "bench" / name;
   fs::create_directories(directory);
   return directory;
+}
+
+void Sandbox::LetSettingsDirectoriesAge() const {
+  for (const fs::path &directory : {Windows(), Windows() / "Corvanta"}) {
+    struct stat info {};
+    Check(::stat(directory.c_str(), &info) == 0, "cannot look at " + directory.string());
+    while (info.st_ctim.tv_sec >= std::time(nullptr) - 3)
+      std::this_thread::sleep_for(std::chrono::milliseconds(100));
+  }
 }
 
 std::string OneUserDatabase() {

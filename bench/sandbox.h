@@ -32,6 +32,10 @@ class Sandbox {
   fs::path AdminDatabase() const { return Product() / "tqvadmin.ini"; }
   // A directory of the bench's own beside the installation, for baselines and sources.
   fs::path Scratch(std::string_view name) const;
+  // Waits until the Windows directory has been unchanged for a few seconds, as on any running
+  // installation: the library scans a directory changed in the last two seconds afresh at every
+  // look, since a name added within a coarse file system's time stamp would not change its stamp.
+  void LetSettingsDirectoriesAge() const;
 
  private:
   fs::path root_;

@@ -143,7 +143,7 @@ ReadCode MessageReader::ReadNext() {
 }
 
 bool MessageReader::CopyBlock(std::uint64_t length, std::string_view targetPath) {
-  std::optional<platform::File> target = platform::File::CreateExclusive(targetPath);
+  std::optional<platform::File> target = platform::File::CreateExclusiveFresh(targetPath);
   if (!target) {
     writeFailed_ = true;
     return false;

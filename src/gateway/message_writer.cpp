@@ -101,10 +101,16 @@ bool MessageWriter::Create(GatewayDirection direction) {
     path = directory + std::string(kFileNamePrefix) + std::to_string(NextMessageId()) +
            std::string(kFileNameExtension);
     CutText(path, kMaxPath);
-    file_ = platform::File::CreateExclusive(path);
+    // Made as new first: the number is almost always free, and this spares a look for it.
+    file_ = platform::File::Open(path, platform::FileAccess::Write, platform::FileSharing::None,
+                                 platform::FileCreation::CreateNew);
     if (file_) break;
     const std::optional<platform::EntryInfo> taken = platform::GetEntryInfo(path);
-    if (!taken || taken->isRegularFile) return false;
+    if (!taken) return false;
+    if (taken->isRegularFile) {
+      file_ = platform::File::CreateExclusive(path);
+      if (!file_) return false;
+    }
   }
   if (!file_) return false;
   path_ = path;

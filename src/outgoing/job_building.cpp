@@ -47,7 +47,7 @@ std::string WorkFilePath(std::string_view name) {
 
 std::optional<platform::File> CreateJobFile(std::string &path) {
   path = MakeUniqueName(CurrentService().pendingDirectory, kJobFileExtension);
-  return platform::File::CreateExclusive(path);
+  return platform::File::CreateExclusiveFresh(path);
 }
 
 std::string CopyForJob(std::string_view source, std::string_view extension, std::set<std::string> &named,

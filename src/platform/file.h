@@ -48,6 +48,9 @@ class File {
   static std::optional<File> CreateExclusive(std::string_view path) {
     return Open(path, FileAccess::Write, FileSharing::None, FileCreation::CreateAlways);
   }
+  // As CreateExclusive, for a name just chosen to be free: made as new first, which spares the
+  // look for an existing file in the usual case; a plain file found there is emptied as before.
+  static std::optional<File> CreateExclusiveFresh(std::string_view path);
   // As the C runtime opens for appending: shared, created when missing, positioned at the end.
   static std::optional<File> OpenForAppend(std::string_view path);
 
@@ -73,6 +76,10 @@ class File {
   // The operating system's handle, for the backend's own bulk operations.
   std::intptr_t NativeHandle() const { return handle_; }
 
+  // Whether this open made the file, so a caller can put a header into a new file without a look
+  // before the open that another process could overtake.
+  bool Created() const { return created_; }
+
  private:
   // -1: no descriptor on POSIX, INVALID_HANDLE_VALUE on Windows.
   static constexpr std::intptr_t kNoHandle = -1;
@@ -82,6 +89,7 @@ class File {
   void Close() noexcept;
 
   std::intptr_t handle_;
+  bool created_ = false;
 };
 
 }  // namespace tqv::platform

@@ -20,9 +20,8 @@ std::optional<platform::File> OpenLogFile(std::string_view fileName, std::string
   CutText(path, kMaxPath);
   AppendBackslash(path);
   path += fileName;
-  const bool isNew = !FileExists(path);
   std::optional<platform::File> log = platform::File::OpenForAppend(path);
-  if (log && isNew && !log->Write(platform::ToTextMode(std::string(headerLine) + "\n\n"))) {
+  if (log && log->Created() && !log->Write(platform::ToTextMode(std::string(headerLine) + "\n\n"))) {
     // Every later line would land in a log without its header: the log counts as not opened.
     log.reset();
     platform::RemoveFile(path);

@@ -59,12 +59,17 @@ int OpenDescriptor(const std::string &nativePath, int flags) {
   return fd;
 }
 
-// A plain file, then made blocking again so reads and writes behave as on any file.
+// A plain file. Linux ignores O_NONBLOCK for reads and writes of plain files, so it stays set there
+// and saves two calls per open; elsewhere the file is made blocking again.
 bool UsableFile(int fd) {
   struct stat info {};
   if (::fstat(fd, &info) != 0 || !S_ISREG(info.st_mode)) return false;
+#if defined(__linux__)
+  return true;
+#else
   const int flags = ::fcntl(fd, F_GETFL);
   return flags >= 0 && ::fcntl(fd, F_SETFL, flags & ~O_NONBLOCK) == 0;
+#endif
 }
 
 bool Lock(int fd, int lockMode) {
@@ -108,7 +113,10 @@ std::optional<File> File::Open(std::string_view path, FileAccess access, FileSha
     const bool linked = locked && ::link(temporary.c_str(), nativePath.c_str()) == 0;
     const int linkError = errno;
     ::unlink(temporary.c_str());
-    if (linked) return file;
+    if (linked) {
+      file.created_ = true;
+      return file;
+    }
     // Someone opened the temporary file before it was locked; it is gone now, try another name.
     if (!locked) continue;
     if (linkError == EEXIST) {
@@ -116,14 +124,18 @@ std::optional<File> File::Open(std::string_view path, FileAccess access, FileSha
       continue;
     }
     // A file system without hard links: create in place, with the short gap this avoids elsewhere.
-    const int direct = OpenDescriptor(nativePath, OpenFlags(access, creation, finalLink));
-    if (direct < 0) return std::nullopt;
+    // Made only as new, so the handle knows it made the file; one there meanwhile opens next time.
+    const int direct = OpenDescriptor(nativePath, OpenFlags(access, FileCreation::CreateNew, finalLink));
+    if (direct < 0) {
+      if (errno == EEXIST && creation != FileCreation::CreateNew) continue;
+      return std::nullopt;
+    }
     File inPlace(direct);
+    inPlace.created_ = true;
     if (!UsableFile(direct) || !Lock(direct, lockMode)) {
       if (creation == FileCreation::CreateNew) ::unlink(nativePath.c_str());
       return std::nullopt;
     }
-    if (creation == FileCreation::CreateAlways && ::ftruncate(direct, 0) != 0) return std::nullopt;
     return inPlace;
   }
   return std::nullopt;

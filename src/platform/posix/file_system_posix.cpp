@@ -43,10 +43,12 @@ std::string_view LastComponent(std::string_view path) {
 }
 
 // True when some other open handle holds the file (with or without sharing), as Windows
-// refuses to delete or overwrite such a file. Only a plain file can be held: a link, FIFO or
-// device is not opened through, so probing one neither blocks nor touches what it leads to.
-bool HeldByAnother(const std::string &nativePath) {
+// refuses to delete or overwrite such a file; `missing` tells that nothing has the name. Only a plain file
+// can be held: a link, FIFO or device is not opened through, so probing one neither blocks nor touches what
+// it leads to.
+bool HeldByAnother(const std::string &nativePath, bool *missing = nullptr) {
   const int fd = ::open(nativePath.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOFOLLOW | O_NOCTTY);
+  if (missing) *missing = fd < 0 && errno == ENOENT;
   if (fd < 0) return false;
   struct stat info {};
   const bool held = ::fstat(fd, &info) == 0 && S_ISREG(info.st_mode) && ::flock(fd, LOCK_EX | LOCK_NB) != 0 &&
@@ -161,9 +163,10 @@ bool CopyFileTo(std::string_view source, std::string_view target, bool failIfExi
   if (!input) return false;
   // Only a plain file is replaced: a link planted at the target name is refused, not replaced,
   // so a caller that checks the name afterwards never reads through it.
+  // With failIfExists no look first: link() below refuses any name that is there.
   struct stat existing {};
-  const bool targetExists = ::lstat(nativeTarget.c_str(), &existing) == 0;
-  if (targetExists && (failIfExists || !S_ISREG(existing.st_mode) || HeldByAnother(nativeTarget)))
+  if (!failIfExists && ::lstat(nativeTarget.c_str(), &existing) == 0 &&
+      (!S_ISREG(existing.st_mode) || HeldByAnother(nativeTarget)))
     return false;
 
   // The copy is made under a temporary name and only then given the target name.
@@ -198,13 +201,13 @@ bool MoveFileTo(std::string_view source, std::string_view target) {
   return true;
 }
 
-// A link goes itself, never what it leads to, so a planted one can be cleared out of the way.
+// A link goes itself, never what it leads to, so a planted one can be cleared out of the way. No
+// look first: the probe for another holder tells a missing name, and unlink refuses a directory.
 bool RemoveFile(std::string_view path) {
   if (FileOperationMustFail()) return false;
   const std::string nativePath = ToNativePath(path);
-  struct stat info {};
-  if (nativePath.empty() || ::lstat(nativePath.c_str(), &info) != 0 || S_ISDIR(info.st_mode)) return false;
-  if (HeldByAnother(nativePath)) return false;
+  bool missing = false;
+  if (nativePath.empty() || HeldByAnother(nativePath, &missing) || missing) return false;
   return ::unlink(nativePath.c_str()) == 0;
 }
 

@@ -1,5 +1,6 @@
 // Path mapping of the POSIX backend. Pure string work; it cannot fail.
 #include "platform/posix/native_path.h"
+#include "platform/posix/process_id.h"
 
 #include <unistd.h>
 
@@ -34,7 +35,7 @@ std::string TemporaryNameBeside(const std::string &nativeTarget, std::string_vie
   static std::atomic<unsigned> counter{0};
   const std::size_t cut = nativeTarget.find_last_of('/');
   const std::string directory = cut == std::string::npos ? std::string() : nativeTarget.substr(0, cut + 1);
-  return directory + ".tqv" + std::string(tag) + "." + std::to_string(::getpid()) + "." +
+  return directory + ".tqv" + std::string(tag) + "." + std::to_string(CurrentProcessId()) + "." +
          std::to_string(counter++);
 }
 

@@ -6,6 +6,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <map>
 #include <memory>
 #include <mutex>
 #include <unordered_map>
@@ -17,6 +18,7 @@
 #include "platform/posix/entry_without_case.h"
 #include "platform/posix/file_stamp.h"
 #include "platform/posix/native_path.h"
+#include "platform/posix/process_id.h"
 #include "platform/profile.h"
 #include "platform/windows_directory.h"
 
@@ -39,6 +41,9 @@ struct ProfileCache {
   // Within a call scope: the files already looked at, and whether each was there.
   int scopeDepth = 0;
   std::unordered_map<std::string, bool> lookedAt;  // by native path as asked for
+  // The same by the name as the caller gave it, which spares working out the path again for each
+  // value a call reads; emptied by every write.
+  std::map<std::string, std::shared_ptr<const IniDocument>, std::less<>> byGivenName;
 };
 
 ProfileCache &Cache() {
@@ -82,9 +87,7 @@ ProfileFile AskedFor(std::string_view file) {
 // case, which Windows, whose names ignore case, would open instead. A copy from Windows often
 // names WIN.INI "win.ini". Directories on the way are matched as given.
 std::optional<ProfileFile> OtherCaseOf(const ProfileFile &asked) {
-  struct stat info {};
-  if (asked.nativePath.empty() || ::lstat(asked.nativePath.c_str(), &info) == 0 || errno != ENOENT)
-    return std::nullopt;
+  if (asked.nativePath.empty()) return std::nullopt;
   const std::size_t windowsCut = asked.windowsPath.find_last_of("\\/:");
   const std::size_t nativeCut = asked.nativePath.rfind('/');
   const std::string_view name = std::string_view(asked.nativePath).substr(nativeCut + 1);
@@ -95,6 +98,10 @@ std::optional<ProfileFile> OtherCaseOf(const ProfileFile &asked) {
                                                                : asked.nativePath.substr(0, nativeCut);
   const std::optional<std::string> found = FindEntryWithoutCase(directory, name);
   if (!found || *found == name) return std::nullopt;
+  // Only a name that is not there at all gives way (a link leading nowhere is there); asked only
+  // now, as another spelling is rare and the directory's cached scan answers the usual case.
+  struct stat info {};
+  if (::lstat(asked.nativePath.c_str(), &info) == 0 || errno != ENOENT) return std::nullopt;
   ProfileFile other = asked;
   other.windowsPath.replace(windowsCut + 1, std::string::npos, *found);
   other.nativePath.replace(nativeCut + 1, std::string::npos, *found);
@@ -118,13 +125,11 @@ void Remember(ProfileCache &cache, const std::string &nativePath, const FileStam
   cache.entries[nativePath] = CachedProfile{stamp, std::move(document), std::move(bytes)};
 }
 
-// The parsed file: one stat when the cached parse is still current.
-std::shared_ptr<const IniDocument> LoadProfile(std::string_view file) {
+// The parsed file: one stat when the cached parse is still current. The cache's lock is held.
+std::shared_ptr<const IniDocument> LoadProfileLocked(ProfileCache &cache, std::string_view file) {
   const ProfileFile asked = AskedFor(file);
   // Cached by the name asked for: the file another spelling found is stamped and read.
   const std::string &nativePath = asked.nativePath;
-  ProfileCache &cache = Cache();
-  const std::lock_guard lock(cache.mutex);
   if (cache.scopeDepth > 0) {
     if (const auto seen = cache.lookedAt.find(nativePath); seen != cache.lookedAt.end()) {
       if (!seen->second) return EmptyDocument();
@@ -166,6 +171,19 @@ std::shared_ptr<const IniDocument> LoadProfile(std::string_view file) {
   return document;
 }
 
+// As LoadProfileLocked, and once per call scope for each name given.
+std::shared_ptr<const IniDocument> LoadProfile(std::string_view file) {
+  ProfileCache &cache = Cache();
+  const std::lock_guard lock(cache.mutex);
+  if (cache.scopeDepth > 0) {
+    if (const auto known = cache.byGivenName.find(file); known != cache.byGivenName.end())
+      return known->second;
+  }
+  std::shared_ptr<const IniDocument> document = LoadProfileLocked(cache, file);
+  if (cache.scopeDepth > 0) cache.byGivenName.emplace(std::string(file), document);
+  return document;
+}
+
 // Names each followed by a NUL; a list that does not fit with its closing NUL is cut to size-2.
 std::string NameList(const std::vector<std::string_view> &names, std::size_t size) {
   std::string list;
@@ -198,13 +216,14 @@ bool ReplaceFile(const std::string &windowsPath, const std::string &nativePath, 
                  std::optional<mode_t> mode, std::optional<FileStamp> &writtenStamp) {
   static unsigned counter = 0;
   const std::string temporaryWindows =
-      windowsPath + ".tqvini." + std::to_string(::getpid()) + "." + std::to_string(counter++);
+      windowsPath + ".tqvini." + std::to_string(CurrentProcessId()) + "." + std::to_string(counter++);
   const std::string temporaryNative = ToNativePath(temporaryWindows);
   // The name is this process's own, so no reader can meet the file before it is renamed in:
   // it needs none of the locking a shared name does. Creating and writing still count as one
   // file operation each, as they would through File.
   if (FileOperationMustFail()) return false;
-  const int temporary = ::open(temporaryNative.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+  const mode_t wanted = mode ? *mode & 07777 : 0666;
+  const int temporary = ::open(temporaryNative.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, wanted);
   if (temporary < 0) return false;
   bool written = !FileOperationMustFail();
   for (std::size_t done = 0; written && done < bytes.size();) {
@@ -213,13 +232,18 @@ bool ReplaceFile(const std::string &windowsPath, const std::string &nativePath, 
     written = count > 0;
     if (written) done += static_cast<std::size_t>(count);
   }
+  // Made with the replaced file's mode, the umask may still have taken bits: put back only then.
+  struct stat made {};
+  const bool stamped = ::fstat(temporary, &made) == 0;
+  if (mode && stamped && (made.st_mode & 07777) != wanted)
+    ::fchmod(temporary, wanted);  // a default mode is no reason to fail
   written = ::close(temporary) == 0 && written;
   if (!written) {
     ::unlink(temporaryNative.c_str());
     return false;
   }
-  if (mode) ::chmod(temporaryNative.c_str(), *mode & 07777);  // a default mode is no reason to fail
-  const std::optional<FileStamp> madeStamp = StampOf(temporaryNative);
+  const std::optional<FileStamp> madeStamp =
+      stamped ? std::optional<FileStamp>(StampFrom(made)) : std::optional<FileStamp>();
   if (::rename(temporaryNative.c_str(), nativePath.c_str()) != 0) {
     ::unlink(temporaryNative.c_str());
     return false;
@@ -237,6 +261,7 @@ void ClearProfileCache() {
   ProfileCache &cache = Cache();
   const std::lock_guard lock(cache.mutex);
   cache.entries.clear();
+  cache.byGivenName.clear();
   ClearEntryWithoutCaseCache();
 }
 
@@ -276,18 +301,28 @@ bool ProfileWriteString(std::string_view section, std::optional<std::string_view
                         std::optional<std::string_view> value, std::string_view file) {
   const ProfileFile asked = AskedFor(file);
   if (asked.nativePath.empty()) return false;
-  // The file another spelling finds is the one written; a new file takes the name asked for.
-  const ProfileFile target = OtherCaseOf(asked).value_or(asked);
   const std::string &nativePath = asked.nativePath;  // the cache's key, as for reads
   ProfileCache &cache = Cache();
   const std::lock_guard lock(cache.mutex);
+  cache.byGivenName.clear();  // another name may lead to this file
 
   // Always the file as it is now: another process may have written it. The cached bytes are
-  // that file while its stamp is unchanged, as for reads.
+  // that file while its stamp is unchanged, as for reads. The file another spelling finds is the
+  // one written; a new file takes the name asked for.
+  ProfileFile target = asked;
+  struct stat info {};
+  int found = ::stat(target.nativePath.c_str(), &info);
+  if (found != 0 && errno == ENOENT) {
+    if (std::optional<ProfileFile> other = OtherCaseOf(asked)) {
+      target = std::move(*other);
+      found = ::stat(target.nativePath.c_str(), &info);
+    } else {
+      errno = ENOENT;
+    }
+  }
   std::string current;
   std::optional<mode_t> mode;
-  struct stat info {};
-  if (::stat(target.nativePath.c_str(), &info) == 0) {
+  if (found == 0) {
     if (!S_ISREG(info.st_mode)) return false;
     if (const auto found = cache.entries.find(nativePath);
         found != cache.entries.end() && found->second.stamp == StampFrom(info)) {
@@ -310,8 +345,16 @@ bool ProfileWriteString(std::string_view section, std::optional<std::string_view
   } else if (!document->SetValue(section, *key, *value)) {
     return false;
   }
-  std::optional<FileStamp> writtenStamp;
   std::string written = document->Serialize();
+  // A write that changes no byte (a value written back as read) leaves the file alone. It still
+  // counts as the file operation it stands for, so injected faults fail it as they would the write.
+  if (found == 0 && written == current) {
+    if (FileOperationMustFail()) return false;
+    Remember(cache, nativePath, StampFrom(info), std::move(document), std::move(written));
+    if (cache.scopeDepth > 0) cache.lookedAt[nativePath] = true;
+    return true;
+  }
+  std::optional<FileStamp> writtenStamp;
   if (!ReplaceFile(target.windowsPath, target.nativePath, written, mode, writtenStamp)) return false;
   if (writtenStamp) {
     Remember(cache, nativePath, *writtenStamp, std::move(document), std::move(written));
@@ -332,7 +375,10 @@ ProfileCallScope::ProfileCallScope() {
 ProfileCallScope::~ProfileCallScope() {
   ProfileCache &cache = Cache();
   const std::lock_guard lock(cache.mutex);
-  if (--cache.scopeDepth == 0) cache.lookedAt.clear();
+  if (--cache.scopeDepth == 0) {
+    cache.lookedAt.clear();
+    cache.byGivenName.clear();
+  }
 }
 
 }  // namespace tqv::platform

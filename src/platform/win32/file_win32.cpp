@@ -77,7 +77,11 @@ std::optional<File> File::Open(std::string_view path, FileAccess access, FileSha
   HANDLE handle = ::CreateFileA(name.c_str(), DesiredAccess(access), share, nullptr, Disposition(creation),
                                 flags, nullptr);
   if (handle == INVALID_HANDLE_VALUE) return std::nullopt;
+  // OPEN_ALWAYS and CREATE_ALWAYS tell an existing file by ERROR_ALREADY_EXISTS on success.
+  const bool existed = creation == FileCreation::OpenExisting ||
+                       (creation != FileCreation::CreateNew && ::GetLastError() == ERROR_ALREADY_EXISTS);
   File file(reinterpret_cast<std::intptr_t>(handle));
+  file.created_ = !existed;
   if (!UsableHandle(handle, finalLink)) return std::nullopt;
   return file;
 }
