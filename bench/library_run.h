@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "sandbox.h"
-#include "tqv/host_library.h"
+#include "tqv/host/host_library.h"
 
 namespace tqv::bench {
 

@@ -13,7 +13,7 @@
 
 #include "bench_checks.h"
 #include "figure.h"
-#include "tqv/host_library.h"
+#include "tqv/host/host_library.h"
 
 namespace {
 
