@@ -135,6 +135,29 @@ TEST_F(Rendering, TiffDocumentsAreScaledToTheFaxWidth) {
   EXPECT_EQ(pages[0].CountBlack(3, pages[0].Height()), 0u);
 }
 
+// A mailed TIFF whose resolution tags stretch two rows into a billion fax rows must fail the job,
+// not take the service's memory.
+TEST_F(Rendering, TiffStretchedPastAnyDocumentLengthIsRefused) {
+  TIFF *tiff = TIFFOpen(PathOf("sliver.tif").c_str(), "w");
+  ASSERT_NE(tiff, nullptr);
+  TIFFSetField(tiff, TIFFTAG_IMAGEWIDTH, 8u);
+  TIFFSetField(tiff, TIFFTAG_IMAGELENGTH, 2u);
+  TIFFSetField(tiff, TIFFTAG_BITSPERSAMPLE, 8);
+  TIFFSetField(tiff, TIFFTAG_SAMPLESPERPIXEL, 1);
+  TIFFSetField(tiff, TIFFTAG_PHOTOMETRIC, PHOTOMETRIC_MINISBLACK);
+  TIFFSetField(tiff, TIFFTAG_RESOLUTIONUNIT, RESUNIT_INCH);
+  TIFFSetField(tiff, TIFFTAG_XRESOLUTION, 1.0e6f);
+  TIFFSetField(tiff, TIFFTAG_YRESOLUTION, 1.0f);
+  std::vector<std::uint8_t> row(8, 0);
+  for (std::uint32_t y = 0; y < 2; ++y)
+    TIFFWriteScanline(tiff, row.data(), y, 0);
+  TIFFClose(tiff);
+  std::vector<PageImage> pages;
+  std::string error;
+  EXPECT_FALSE(RenderDocument(PathOf("sliver.tif"), Context(Resolution::Normal), pages, error));
+  EXPECT_NE(error.find("more than 500 fax pages"), std::string::npos) << error;
+}
+
 TEST_F(Rendering, WhatCannotBeRenderedFailsWithTheKindNamed) {
   struct Case {
     const char *file;

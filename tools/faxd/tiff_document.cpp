@@ -20,6 +20,16 @@ struct TiffCloser {
 
 // Pages larger than this are no document anyone faxes; refusing them bounds the memory.
 constexpr std::uint64_t kMaxPixels = 200ull * 1000 * 1000;
+// A sliver of a picture or a hostile resolution tag can stretch one page into millions of fax pages
+// (or past what an int counts); a document that long is refused before a row is drawn.
+constexpr int kMaxDocumentPages = 500;
+
+// The image's height in fax rows: its height in inches at the job's row density, the width fitted
+// to the fax width. Infinite or NaN for a hostile resolution; the caller bounds it.
+double FaxRowsOf(int width, int height, float xDpi, float yDpi, Resolution resolution) {
+  const double scale = static_cast<double>(kFaxWidth) / width;
+  return height * scale * (static_cast<double>(xDpi) / yDpi) * RowsPerInch(resolution) / kFaxXResolution;
+}
 
 float DotsPerInch(TIFF *tiff, ttag_t tag, std::uint16_t unit) {
   float value = 0;
@@ -31,10 +41,8 @@ float DotsPerInch(TIFF *tiff, ttag_t tag, std::uint16_t unit) {
 
 std::vector<PageImage> FaxPagesOf(const std::vector<std::uint8_t> &image, int width, int height, float xDpi,
                                   float yDpi, Resolution resolution) {
-  // Output rows for the whole image: its height in inches at the fax's row density, the width
-  // fitted to the fax width.
   const double scale = static_cast<double>(kFaxWidth) / width;
-  const double rowsPerSourceRow = scale * (xDpi / yDpi) * RowsPerInch(resolution) / kFaxXResolution;
+  const double rowsPerSourceRow = FaxRowsOf(width, height, xDpi, yDpi, resolution) / height;
   const int totalRows = std::max(1, static_cast<int>(std::lround(height * rowsPerSourceRow)));
   const int pageRows = A4Rows(resolution);
   std::vector<PageImage> pages;
@@ -72,6 +80,18 @@ bool RenderTiffDocument(const std::string &path, const RenderContext &context, s
       error = "page " + std::to_string(index) + " has no usable size";
       return false;
     }
+    std::uint16_t unit = RESUNIT_INCH;
+    TIFFGetFieldDefaulted(t, TIFFTAG_RESOLUTIONUNIT, &unit);
+    float xDpi = DotsPerInch(t, TIFFTAG_XRESOLUTION, unit), yDpi = DotsPerInch(t, TIFFTAG_YRESOLUTION, unit);
+    // Without a resolution the pixels are taken as square.
+    if (xDpi <= 0 || yDpi <= 0) xDpi = yDpi = 1;
+    const double rows =
+        FaxRowsOf(static_cast<int>(width), static_cast<int>(height), xDpi, yDpi, context.resolution);
+    const double pagesLeft = kMaxDocumentPages - static_cast<double>(pages.size());
+    if (!(rows <= pagesLeft * A4Rows(context.resolution))) {
+      error = "it would make more than " + std::to_string(kMaxDocumentPages) + " fax pages";
+      return false;
+    }
     std::vector<std::uint32_t> rgba(static_cast<std::size_t>(width) * height);
     if (!TIFFReadRGBAImageOriented(t, width, height, rgba.data(), ORIENTATION_TOPLEFT, 0)) {
       error = "page " + std::to_string(index) + " cannot be decoded";
@@ -86,11 +106,6 @@ bool RenderTiffDocument(const std::string &path, const RenderContext &context, s
                     : static_cast<std::uint8_t>(
                           (TIFFGetR(pixel) * 299 + TIFFGetG(pixel) * 587 + TIFFGetB(pixel) * 114) / 1000);
     }
-    std::uint16_t unit = RESUNIT_INCH;
-    TIFFGetFieldDefaulted(t, TIFFTAG_RESOLUTIONUNIT, &unit);
-    float xDpi = DotsPerInch(t, TIFFTAG_XRESOLUTION, unit), yDpi = DotsPerInch(t, TIFFTAG_YRESOLUTION, unit);
-    // Without a resolution the pixels are taken as square.
-    if (xDpi <= 0 || yDpi <= 0) xDpi = yDpi = 1;
     for (PageImage &page :
          FaxPagesOf(grey, static_cast<int>(width), static_cast<int>(height), xDpi, yDpi, context.resolution))
       pages.push_back(std::move(page));
