@@ -169,6 +169,7 @@ TEST_F(Rendering, WhatCannotBeRenderedFailsWithTheKindNamed) {
       {"broken.pdf", "%PDF-1.4\nthis is no PDF at all\n%%EOF\n", "PDF document that cannot be rendered"},
       {"broken.tif", std::string("II*\0\x08\0\0\0garbage", 16), "TIFF document that cannot be rendered"},
       {"error.ps", "%!PS\nundefinedoperator\n", "PostScript document that cannot be rendered: Ghostscript"},
+      {"long.ps", "%!PS\n1 1 600 { pop showpage } for\n", "more than 500 pages"},
   };
   for (const Case &c : cases) {
     std::vector<PageImage> pages;

@@ -19,10 +19,13 @@ namespace {
 // Documents larger than this are no text anyone faxes.
 constexpr std::size_t kMaxTextBytes = 4 * 1024 * 1024;
 
+// Reads one byte past the limit at most, so a huge file is refused without being read whole.
 bool ReadSmallFile(const std::string &path, std::string &bytes) {
   std::ifstream in(path, std::ios::binary);
   if (!in) return false;
-  bytes.assign(std::istreambuf_iterator<char>(in), {});
+  bytes.resize(kMaxTextBytes + 1);
+  in.read(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+  bytes.resize(static_cast<std::size_t>(in.gcount()));
   return bytes.size() <= kMaxTextBytes;
 }
 

@@ -18,16 +18,11 @@ bool RenderWithGhostscript(const std::string &input, const RenderContext &contex
   const fs::path output = fs::path(context.scratchDir) / ("gs-" + std::to_string(++runs) + ".tif");
   const int height = page.heightPixels > 0 ? page.heightPixels : A4Rows(context.resolution);
   std::vector<std::string> argv = {
-      "gs",
-      "-q",
-      "-dNOPAUSE",
-      "-dBATCH",
-      "-dSAFER",
-      "-sDEVICE=tiffg4",
+      "gs", "-q", "-dNOPAUSE", "-dBATCH", "-dSAFER", "-sDEVICE=tiffg4",
       "-r" + std::to_string(kFaxXResolution) + "x" + std::to_string(RowsPerInch(context.resolution)),
-      "-g" + std::to_string(page.widthPixels) + "x" + std::to_string(height),
-      "-dFIXEDMEDIA",
-      "-sOutputFile=" + output.string()};
+      "-g" + std::to_string(page.widthPixels) + "x" + std::to_string(height), "-dFIXEDMEDIA",
+      // One page past the limit, so a longer document is told from one exactly as long.
+      "-dLastPage=" + std::to_string(kMaxDocumentPages + 1), "-sOutputFile=" + output.string()};
   if (page.fitPage) argv.push_back("-dFitPage");
   // -f: the file name is never taken for an option, whatever it starts with.
   argv.insert(argv.end(), {"-f", input});
@@ -52,6 +47,11 @@ bool RenderWithGhostscript(const std::string &input, const RenderContext &contex
   const bool read = ReadFaxTiff(output.string(), pages, error);
   cleanUp();
   if (read && pages.empty()) error = "Ghostscript rendered no page";
+  if (read && pages.size() > static_cast<std::size_t>(kMaxDocumentPages)) {
+    pages.clear();
+    error = "it has more than " + std::to_string(kMaxDocumentPages) + " pages";
+    return false;
+  }
   // gs writes the resolution it was given; the pages are at the job's whatever the TIFF says.
   if (read)
     for (PageImage &rendered : pages)

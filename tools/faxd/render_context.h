@@ -8,6 +8,10 @@
 
 namespace tqv::faxd {
 
+// A mailed document longer than this is refused, not faxed: each page costs a quarter of a
+// megabyte in memory and minutes on the line, and no one faxes more.
+inline constexpr int kMaxDocumentPages = 500;
+
 struct RenderContext {
   Resolution resolution = Resolution::Normal;
   std::string scratchDir;  // exists, and belongs to this job alone

@@ -21,8 +21,7 @@ struct TiffCloser {
 // Pages larger than this are no document anyone faxes; refusing them bounds the memory.
 constexpr std::uint64_t kMaxPixels = 200ull * 1000 * 1000;
 // A sliver of a picture or a hostile resolution tag can stretch one page into millions of fax pages
-// (or past what an int counts); a document that long is refused before a row is drawn.
-constexpr int kMaxDocumentPages = 500;
+// (or past what an int counts): the length is checked before a row is drawn.
 
 // The image's height in fax rows: its height in inches at the job's row density, the width fitted
 // to the fax width. Infinite or NaN for a hostile resolution; the caller bounds it.
