@@ -5,6 +5,7 @@
 
 #include <cstring>
 #include <ctime>
+#include <functional>
 
 #include "faxd/document_renderer.h"
 #include "faxd/ghostscript_renderer.h"
@@ -23,6 +24,32 @@ class Rendering : public testing::ScratchDirTest {
     std::string error;
     EXPECT_TRUE(RenderDocument(path, Context(resolution), pages, error)) << error;
     return pages;
+  }
+
+  // An 8-bit grey TIFF of one page, LZW-compressed, its pixels from `pixel`.
+  std::string GreyTiff(const std::string &name, std::uint32_t width, std::uint32_t height, float xDpi,
+                       float yDpi,
+                       const std::function<std::uint8_t(std::uint32_t x, std::uint32_t y)> &pixel) {
+    TIFF *tiff = TIFFOpen(PathOf(name).c_str(), "w");
+    EXPECT_NE(tiff, nullptr);
+    if (tiff == nullptr) return PathOf(name);
+    TIFFSetField(tiff, TIFFTAG_IMAGEWIDTH, width);
+    TIFFSetField(tiff, TIFFTAG_IMAGELENGTH, height);
+    TIFFSetField(tiff, TIFFTAG_BITSPERSAMPLE, 8);
+    TIFFSetField(tiff, TIFFTAG_SAMPLESPERPIXEL, 1);
+    TIFFSetField(tiff, TIFFTAG_PHOTOMETRIC, PHOTOMETRIC_MINISBLACK);
+    TIFFSetField(tiff, TIFFTAG_COMPRESSION, COMPRESSION_LZW);
+    TIFFSetField(tiff, TIFFTAG_RESOLUTIONUNIT, RESUNIT_INCH);
+    TIFFSetField(tiff, TIFFTAG_XRESOLUTION, xDpi);
+    TIFFSetField(tiff, TIFFTAG_YRESOLUTION, yDpi);
+    std::vector<std::uint8_t> row(width);
+    for (std::uint32_t y = 0; y < height; ++y) {
+      for (std::uint32_t x = 0; x < width; ++x)
+        row[x] = pixel(x, y);
+      TIFFWriteScanline(tiff, row.data(), y, 0);
+    }
+    TIFFClose(tiff);
+    return PathOf(name);
   }
 };
 
@@ -104,26 +131,11 @@ TEST_F(Rendering, TextSetFromGlyphsMatchesGhostscriptsDrawing) {
 }
 
 TEST_F(Rendering, TiffDocumentsAreScaledToTheFaxWidth) {
-  // 850 x 1650 grey pixels at 100 dpi: a letter page and a half, so two fax pages.
-  TIFF *tiff = TIFFOpen(PathOf("scan.tif").c_str(), "w");
-  ASSERT_NE(tiff, nullptr);
-  TIFFSetField(tiff, TIFFTAG_IMAGEWIDTH, 850u);
-  TIFFSetField(tiff, TIFFTAG_IMAGELENGTH, 1650u);
-  TIFFSetField(tiff, TIFFTAG_BITSPERSAMPLE, 8);
-  TIFFSetField(tiff, TIFFTAG_SAMPLESPERPIXEL, 1);
-  TIFFSetField(tiff, TIFFTAG_PHOTOMETRIC, PHOTOMETRIC_MINISBLACK);
-  TIFFSetField(tiff, TIFFTAG_COMPRESSION, COMPRESSION_LZW);
-  TIFFSetField(tiff, TIFFTAG_RESOLUTIONUNIT, RESUNIT_INCH);
-  TIFFSetField(tiff, TIFFTAG_XRESOLUTION, 100.0f);
-  TIFFSetField(tiff, TIFFTAG_YRESOLUTION, 100.0f);
-  std::vector<std::uint8_t> row(850, 255);
-  for (std::uint32_t y = 0; y < 1650; ++y) {
-    // A dark left half of the first row only, and a grey (light) band that must stay white.
-    std::fill(row.begin(), row.end(), y == 0 ? 0 : (y < 20 ? 200 : 255));
-    std::fill(row.begin() + 425, row.end(), 255);
-    TIFFWriteScanline(tiff, row.data(), y, 0);
-  }
-  TIFFClose(tiff);
+  // 850 x 1650 grey pixels at 100 dpi: a letter page and a half, so two fax pages. A dark left half
+  // of the first row only, and a grey (light) band that must stay white.
+  GreyTiff("scan.tif", 850, 1650, 100, 100, [](std::uint32_t x, std::uint32_t y) -> std::uint8_t {
+    return x >= 425 ? 255 : y == 0 ? 0 : y < 20 ? 200 : 255;
+  });
   const std::vector<PageImage> pages = Render(PathOf("scan.tif"), Resolution::Fine);
   ASSERT_EQ(pages.size(), 2u);
   // 16.5 inches of rows at 196 dpi, cut after one A4 length.
@@ -138,20 +150,7 @@ TEST_F(Rendering, TiffDocumentsAreScaledToTheFaxWidth) {
 // A mailed TIFF whose resolution tags stretch two rows into a billion fax rows must fail the job,
 // not take the service's memory.
 TEST_F(Rendering, TiffStretchedPastAnyDocumentLengthIsRefused) {
-  TIFF *tiff = TIFFOpen(PathOf("sliver.tif").c_str(), "w");
-  ASSERT_NE(tiff, nullptr);
-  TIFFSetField(tiff, TIFFTAG_IMAGEWIDTH, 8u);
-  TIFFSetField(tiff, TIFFTAG_IMAGELENGTH, 2u);
-  TIFFSetField(tiff, TIFFTAG_BITSPERSAMPLE, 8);
-  TIFFSetField(tiff, TIFFTAG_SAMPLESPERPIXEL, 1);
-  TIFFSetField(tiff, TIFFTAG_PHOTOMETRIC, PHOTOMETRIC_MINISBLACK);
-  TIFFSetField(tiff, TIFFTAG_RESOLUTIONUNIT, RESUNIT_INCH);
-  TIFFSetField(tiff, TIFFTAG_XRESOLUTION, 1.0e6f);
-  TIFFSetField(tiff, TIFFTAG_YRESOLUTION, 1.0f);
-  std::vector<std::uint8_t> row(8, 0);
-  for (std::uint32_t y = 0; y < 2; ++y)
-    TIFFWriteScanline(tiff, row.data(), y, 0);
-  TIFFClose(tiff);
+  GreyTiff("sliver.tif", 8, 2, 1.0e6f, 1.0f, [](std::uint32_t, std::uint32_t) -> std::uint8_t { return 0; });
   std::vector<PageImage> pages;
   std::string error;
   EXPECT_FALSE(RenderDocument(PathOf("sliver.tif"), Context(Resolution::Normal), pages, error));
